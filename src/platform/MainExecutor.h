@@ -1,0 +1,28 @@
+#pragma once
+// Port: the main thread's run loop, a background thread for blocking work, and the clocks.
+// Production runs it on the Qt event loop; tests on virtual time that advances only when told.
+#include <chrono>
+#include <functional>
+
+#include "platform/Clock.h"
+
+namespace corvanel {
+
+class MainExecutor {
+  public:
+    using Work = std::function<void()>;
+
+    virtual ~MainExecutor() = default;
+
+    // Runs `work` on the main thread after the current work item. Safe from any thread.
+    virtual void post(Work work) = 0;
+    // Runs `work` on the main thread once `delay` has passed on the monotonic clock.
+    virtual void postAfter(std::chrono::nanoseconds delay, Work work) = 0;
+    // Runs `work` on a background thread (utility priority); the work posts its result back.
+    virtual void runInBackground(Work work) = 0;
+
+    virtual MonoTime monotonicNow() const = 0;
+    virtual WallTime wallNow() const = 0;
+};
+
+}  // namespace corvanel

@@ -1,0 +1,55 @@
+#pragma once
+// Port: process taps, aggregate devices and IO procedures (CATapDescription,
+// AudioHardwareCreateProcessTap, AudioHardwareCreateAggregateDevice,
+// AudioDeviceCreateIOProcIDWithBlock, AudioDeviceStart/Stop, the matching destroys).
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/AudioTypes.h"
+#include "platform/DescriptionValue.h"
+
+namespace corvanel {
+
+struct TapDescription {
+    bool stereoMixdown = true;                     // a stereo mix-down of the selected processes
+    std::vector<AudioObjectID> excludedProcesses;  // global tap: every process but these
+    std::string name;
+    bool isPrivate = true;
+    int muteBehavior = 0;  // 0: unmuted, the listener keeps hearing the output
+};
+
+// One buffer of an input buffer list as the platform hands it to an IO procedure.
+struct AudioBufferView {
+    std::uint32_t numberChannels = 0;
+    std::uint32_t dataByteSize = 0;
+    const void* data = nullptr;
+};
+
+using IOProcID = std::uint64_t;
+
+class ProcessTapHost {
+  public:
+    // Runs on the host's serial capture thread for every delivered block; must not allocate,
+    // log or block. `buffers` may be empty.
+    using IOBlock = std::function<void(const AudioBufferView* buffers, std::uint32_t count)>;
+
+    virtual ~ProcessTapHost() = default;
+
+    virtual OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) = 0;
+    virtual OSStatus destroyProcessTap(AudioObjectID tap) = 0;
+    virtual OSStatus readTapFormat(AudioObjectID tap, AudioStreamBasicDescription& outFormat) = 0;
+    virtual OSStatus readTapUID(AudioObjectID tap, std::string& outUID) = 0;
+
+    virtual OSStatus createAggregateDevice(const DescriptionDictionary& description,
+                                           AudioObjectID& outDevice) = 0;
+    virtual OSStatus destroyAggregateDevice(AudioObjectID device) = 0;
+
+    virtual OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) = 0;
+    virtual OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) = 0;
+    virtual OSStatus deviceStart(AudioObjectID device, IOProcID proc) = 0;
+    virtual OSStatus deviceStop(AudioObjectID device, IOProcID proc) = 0;
+};
+
+}  // namespace corvanel

@@ -1,0 +1,27 @@
+#pragma once
+// The MainExecutor of a running application: the Qt event loop of the GUI thread, a thread
+// pool for blocking work, and the real clocks.
+#include <QObject>
+
+#include "platform/MainExecutor.h"
+
+namespace corvanel {
+
+class QtMainExecutor final : public MainExecutor {
+  public:
+    QtMainExecutor();
+    ~QtMainExecutor() override;
+
+    void post(Work work) override;
+    void postAfter(std::chrono::nanoseconds delay, Work work) override;
+    void runInBackground(Work work) override;
+    MonoTime monotonicNow() const override;
+    WallTime wallNow() const override;
+
+  private:
+    // Lives on the GUI thread; queued work is delivered through its event queue and dropped
+    // with it.
+    QObject context_;
+};
+
+}  // namespace corvanel

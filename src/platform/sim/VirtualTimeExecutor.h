@@ -1,0 +1,51 @@
+#pragma once
+// A MainExecutor on virtual time: nothing runs until the test (or tool) says so, and time moves
+// only by advanceBy/advanceTo. "Two notifications one second apart" is then an exact, instant
+// test. Background work runs on the same thread, after `backgroundDuration` of virtual time.
+#include <cstdint>
+#include <mutex>
+#include <vector>
+
+#include "platform/MainExecutor.h"
+
+namespace corvanel {
+
+class VirtualTimeExecutor final : public MainExecutor {
+  public:
+    explicit VirtualTimeExecutor(WallTime wallStart = WallTime{} + std::chrono::hours(24 * 20000));
+    ~VirtualTimeExecutor() override;
+
+    void post(Work work) override;
+    void postAfter(std::chrono::nanoseconds delay, Work work) override;
+    void runInBackground(Work work) override;
+    MonoTime monotonicNow() const override;
+    WallTime wallNow() const override;
+
+    // Runs everything due now, including work that it posts for now.
+    void runUntilIdle();
+    // Runs everything due within `duration`, in time order, moving the clock to each item's time.
+    void advanceBy(Seconds duration);
+    void advanceTo(MonoTime time);
+
+    // How long (virtual) a background job takes before its result is posted back.
+    void setBackgroundDuration(Seconds duration);
+    std::size_t pendingCount() const;
+    Seconds elapsed() const;
+
+  private:
+    struct Item {
+        MonoTime due;
+        std::uint64_t order;
+        Work work;
+    };
+    bool runNextDueBy(MonoTime limit);
+
+    mutable std::mutex mutex_;
+    std::vector<Item> queue_;
+    std::uint64_t nextOrder_ = 0;
+    MonoTime now_{};
+    WallTime wallStart_;
+    std::chrono::nanoseconds backgroundDuration_{0};
+};
+
+}  // namespace corvanel
