@@ -1,0 +1,117 @@
+#include "spectrum/BandSpectrum.h"
+
+#include <fftw3.h>
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <numbers>
+
+namespace corvanel {
+
+namespace {
+
+// FFTW's planner is not thread-safe; analyzers may be created on more than one thread in tests
+// and tools.
+std::mutex& plannerLock() {
+    static std::mutex lock;
+    return lock;
+}
+
+struct FftwFree {
+    void operator()(void* memory) const { fftwf_free(memory); }
+};
+struct PlanDestroy {
+    void operator()(fftwf_plan plan) const {
+        std::lock_guard guard(plannerLock());
+        fftwf_destroy_plan(plan);
+    }
+};
+
+// The Hann window's mean square; dividing by it undoes the window's loss of power.
+constexpr float windowPower = 0.375f;
+// Scales a bin of the unnormalised transform to the amplitude of a sinusoid.
+constexpr float amplitudeScale = 2.0f / static_cast<float>(BandSpectrum::fftSize);
+
+}  // namespace
+
+struct BandSpectrum::Plan {
+    std::unique_ptr<float, FftwFree> samples;
+    std::unique_ptr<fftwf_complex, FftwFree> bins;
+    std::unique_ptr<fftwf_plan_s, PlanDestroy> forward;
+};
+
+BandSpectrum::BandSpectrum() {
+    auto plan = std::make_unique<Plan>();
+    plan->samples.reset(fftwf_alloc_real(fftSize));
+    plan->bins.reset(fftwf_alloc_complex(fftSize / 2 + 1));
+    if (!plan->samples || !plan->bins) return;
+    std::fill_n(plan->samples.get(), fftSize, 0.0f);
+    {
+        std::lock_guard guard(plannerLock());
+        // A real-input transform yields the same bins 0 ... N/2 as the complex transform of the
+        // same block with a zero imaginary part.
+        plan->forward.reset(fftwf_plan_dft_r2c_1d(static_cast<int>(fftSize), plan->samples.get(),
+                                                  plan->bins.get(), FFTW_ESTIMATE));
+    }
+    if (plan->forward) plan_ = std::move(plan);
+}
+
+BandSpectrum::~BandSpectrum() = default;
+
+bool BandSpectrum::isReady() const {
+    return plan_ != nullptr;
+}
+
+std::span<float> BandSpectrum::input() {
+    if (!plan_) return {};
+    return {plan_->samples.get(), static_cast<std::size_t>(fftSize)};
+}
+
+void BandSpectrum::executeTransform() {
+    if (plan_) fftwf_execute(plan_->forward.get());
+}
+
+const std::array<float, BandSpectrum::fftSize>& BandSpectrum::window() {
+    static const std::array<float, fftSize> hann = [] {
+        std::array<float, fftSize> table{};
+        for (std::int64_t n = 0; n < fftSize; ++n) {
+            const double phase =
+                2.0 * std::numbers::pi * static_cast<double>(n) / static_cast<double>(fftSize);
+            table[static_cast<std::size_t>(n)] = static_cast<float>(0.5 * (1.0 - std::cos(phase)));
+        }
+        return table;
+    }();
+    return hann;
+}
+
+float BandSpectrum::levelOfPower(float power) {
+    const float db = 10.0f * std::log10(power / windowPower + 1e-12f);
+    return std::clamp((db + 60.0f) / 60.0f, 0.0f, 1.0f);
+}
+
+BandSpectrum::Targets BandSpectrum::computeTargets(double sampleRate) {
+    Targets targets{};
+    if (!plan_) return targets;
+    float* samples = plan_->samples.get();
+    const auto& hann = window();
+    for (std::int64_t n = 0; n < fftSize; ++n)
+        samples[n] *= hann[static_cast<std::size_t>(n)];
+    fftwf_execute(plan_->forward.get());
+
+    const fftwf_complex* bins = plan_->bins.get();
+    for (std::size_t band = 0; band < targets.size(); ++band) {
+        const BinRange range = SpectrumScale::binRange(band, sampleRate, fftSize);
+        if (range.empty()) continue;
+        float power = 0.0f;
+        for (std::int64_t k = range.lo; k <= range.hi; ++k) {
+            const float re = bins[k][0] * amplitudeScale;
+            const float im = bins[k][1] * amplitudeScale;
+            power += re * re + im * im;
+        }
+        targets[band] = levelOfPower(power);
+    }
+    return targets;
+}
+
+}  // namespace corvanel
