@@ -1,0 +1,47 @@
+#pragma once
+// Layer filters for the meters: drop shadow, glow (a shadow with no offset, so everything in the
+// layer glows) and Gaussian blur. The layer is drawn into an offscreen image at the painter's
+// pixel scale, blurred with three box passes per axis (a close, fast Gaussian approximation), and
+// composited back. Radii are in points and act as twice the Gaussian's standard deviation.
+#include <QColor>
+#include <QImage>
+#include <QPainter>
+#include <QPointF>
+#include <QRectF>
+#include <functional>
+
+namespace corvanel::meters {
+
+using LayerContent = std::function<void(QPainter&)>;
+
+struct Shadow {
+    QColor colour;
+    double radius = 0.0;
+    QPointF offset;
+};
+
+// Draws `content` (in the painter's current coordinates, confined to `bounds`) with a shadow
+// beneath it.
+void drawWithShadow(QPainter& painter, const QRectF& bounds, const Shadow& shadow,
+                    const LayerContent& content);
+
+// Glow(c, r): the layer with a shadow of colour c, blur radius r and no offset.
+void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour, double radius,
+                  const LayerContent& content);
+
+// Blur(r): the layer itself drawn through a Gaussian blur.
+void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
+                 const LayerContent& content);
+
+// The in-place blurs behind the filters; sigma in pixels. `alpha` must be Format_Alpha8 and
+// `image` Format_ARGB32_Premultiplied.
+void blurAlpha(QImage& alpha, double sigma);
+void blurImage(QImage& image, double sigma);
+
+// The shadow a layer image casts: its coverage blurred by `sigma` pixels, tinted with `colour`.
+QImage shadowImage(const QImage& layer, const QColor& colour, double sigma);
+
+// Device pixels per point of the painter's current coordinates.
+double pixelScale(const QPainter& painter);
+
+}  // namespace corvanel::meters

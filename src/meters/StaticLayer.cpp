@@ -1,0 +1,34 @@
+#include "meters/StaticLayer.h"
+
+#include <cmath>
+
+#include "meters/LayerEffects.h"
+
+namespace corvanel::meters {
+
+void StaticLayer::prepare(const QPainter& painter, const QSizeF& size, const Paint& paint) {
+    const double scale = pixelScale(painter);
+    if (!image_.isNull() && size == size_ && scale == scale_) return;
+    size_ = size;
+    scale_ = scale;
+    const QSize pixels(static_cast<int>(std::ceil((size.width() + 2 * margin_) * scale)),
+                       static_cast<int>(std::ceil((size.height() + 2 * margin_) * scale)));
+    image_ = QImage(pixels.expandedTo(QSize(1, 1)), QImage::Format_ARGB32_Premultiplied);
+    image_.fill(Qt::transparent);
+    QPainter layer(&image_);
+    layer.setRenderHint(QPainter::Antialiasing);
+    layer.setRenderHint(QPainter::TextAntialiasing);
+    layer.setRenderHint(QPainter::SmoothPixmapTransform);
+    layer.scale(scale, scale);
+    layer.translate(margin_, margin_);
+    paint(layer, size);
+}
+
+void StaticLayer::draw(QPainter& painter, const QSizeF& size, const Paint& paint) {
+    prepare(painter, size, paint);
+    painter.drawImage(
+        QRectF(-margin_, -margin_, size.width() + 2 * margin_, size.height() + 2 * margin_),
+        image_);
+}
+
+}  // namespace corvanel::meters
