@@ -1,0 +1,264 @@
+#include "platform/sim/SimProcessTapHost.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <utility>
+
+#include "platform/sim/SimAudioHardware.h"
+#include "platform/sim/SimBlockRenderer.h"
+
+namespace corvanel {
+
+namespace {
+
+// The capture thread: one block per block duration on a steady schedule, until stopped.
+void deliverInRealTime(std::stop_token stop, ProcessTapHost::IOBlock block,
+                       SimBlockRenderer renderer, std::chrono::nanoseconds period) {
+    std::mutex sleepMutex;
+    std::condition_variable_any sleeper;
+    auto next = std::chrono::steady_clock::now();
+    while (!stop.stop_requested()) {
+        const std::span<const AudioBufferView> buffers = renderer.render();
+        block(buffers.data(), static_cast<std::uint32_t>(buffers.size()));
+        next += period;
+        std::unique_lock lock(sleepMutex);
+        sleeper.wait_until(lock, stop, next, [] { return false; });
+    }
+}
+
+}  // namespace
+
+AudioStreamBasicDescription SimProcessTapHost::floatFormat(double sampleRate,
+                                                           std::uint32_t channels,
+                                                           bool interleaved) {
+    AudioStreamBasicDescription format;
+    format.mSampleRate = sampleRate;
+    format.mFormatID = kAudioFormatLinearPCM;
+    format.mFormatFlags = kAudioFormatFlagIsFloat | kAudioFormatFlagIsPacked |
+                          (interleaved ? 0u : kAudioFormatFlagIsNonInterleaved);
+    const std::uint32_t sampleChannels = interleaved ? channels : 1;
+    format.mBytesPerFrame = 4 * sampleChannels;
+    format.mBytesPerPacket = format.mBytesPerFrame;
+    format.mFramesPerPacket = 1;
+    format.mChannelsPerFrame = channels;
+    format.mBitsPerChannel = 32;
+    return format;
+}
+
+SimProcessTapHost::SimProcessTapHost(std::shared_ptr<AudioSource> source, Pacing pacing)
+    : source_(std::move(source)), pacing_(pacing), format_(floatFormat(source_->sampleRate(), 2)) {}
+
+SimProcessTapHost::~SimProcessTapHost() {
+    std::lock_guard lock(mutex_);
+    for (auto& [id, proc] : procs_)
+        stopLocked(proc);
+}
+
+void SimProcessTapHost::setFormat(const AudioStreamBasicDescription& format) {
+    std::lock_guard lock(mutex_);
+    format_ = format;
+}
+
+void SimProcessTapHost::setBlockFrames(std::uint32_t frames) {
+    std::lock_guard lock(mutex_);
+    blockFrames_ = frames;
+}
+
+void SimProcessTapHost::failOperation(SimTapOperation operation, OSStatus status) {
+    std::lock_guard lock(mutex_);
+    if (status == kNoErr) {
+        failures_.erase(operation);
+    } else {
+        failures_[operation] = status;
+    }
+}
+
+std::vector<SimTapCall> SimProcessTapHost::calls() const {
+    std::lock_guard lock(mutex_);
+    return calls_;
+}
+
+void SimProcessTapHost::clearCalls() {
+    std::lock_guard lock(mutex_);
+    calls_.clear();
+}
+
+std::optional<TapDescription> SimProcessTapHost::lastTapDescription() const {
+    std::lock_guard lock(mutex_);
+    return lastTap_;
+}
+
+std::optional<DescriptionDictionary> SimProcessTapHost::lastAggregateDescription() const {
+    std::lock_guard lock(mutex_);
+    return lastAggregate_;
+}
+
+std::size_t SimProcessTapHost::liveObjectCount() const {
+    std::lock_guard lock(mutex_);
+    return taps_.size() + aggregates_.size() + procs_.size();
+}
+
+bool SimProcessTapHost::isDelivering() const {
+    std::lock_guard lock(mutex_);
+    for (const auto& [id, proc] : procs_) {
+        if (proc.started) return true;
+    }
+    return false;
+}
+
+bool SimProcessTapHost::deliverBlock() {
+    std::lock_guard lock(mutex_);
+    bool delivered = false;
+    for (auto& [id, proc] : procs_) {
+        if (!proc.started) continue;
+        SimBlockRenderer renderer(source_, format_, blockFrames_);
+        const std::span<const AudioBufferView> buffers = renderer.render();
+        proc.block(buffers.data(), static_cast<std::uint32_t>(buffers.size()));
+        delivered = true;
+    }
+    return delivered;
+}
+
+bool SimProcessTapHost::deliverBuffers(const AudioBufferView* buffers, std::uint32_t count) {
+    std::lock_guard lock(mutex_);
+    bool delivered = false;
+    for (auto& [id, proc] : procs_) {
+        if (!proc.started) continue;
+        proc.block(buffers, count);
+        delivered = true;
+    }
+    return delivered;
+}
+
+OSStatus SimProcessTapHost::record(SimTapOperation operation, std::uint64_t object,
+                                   OSStatus status) {
+    calls_.push_back({operation, object, status});
+    return status;
+}
+
+OSStatus SimProcessTapHost::injected(SimTapOperation operation) const {
+    const auto failure = failures_.find(operation);
+    return failure == failures_.end() ? kNoErr : failure->second;
+}
+
+OSStatus SimProcessTapHost::createProcessTap(const TapDescription& description,
+                                             AudioObjectID& outTap) {
+    std::lock_guard lock(mutex_);
+    lastTap_ = description;
+    if (const OSStatus status = injected(SimTapOperation::createProcessTap))
+        return record(SimTapOperation::createProcessTap, 0, status);
+    outTap = nextObject_++;
+    taps_[outTap] = "SimTap-" + std::to_string(outTap);
+    return record(SimTapOperation::createProcessTap, outTap, kNoErr);
+}
+
+OSStatus SimProcessTapHost::destroyProcessTap(AudioObjectID tap) {
+    std::lock_guard lock(mutex_);
+    if (const OSStatus status = injected(SimTapOperation::destroyProcessTap))
+        return record(SimTapOperation::destroyProcessTap, tap, status);
+    const OSStatus status = taps_.erase(tap) == 1 ? kNoErr : kAudioHardwareBadObjectError;
+    return record(SimTapOperation::destroyProcessTap, tap, status);
+}
+
+OSStatus SimProcessTapHost::readTapFormat(AudioObjectID tap,
+                                          AudioStreamBasicDescription& outFormat) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::readTapFormat);
+    if (status == kNoErr && !taps_.contains(tap)) status = kAudioHardwareBadObjectError;
+    if (status == kNoErr) outFormat = format_;
+    return record(SimTapOperation::readTapFormat, tap, status);
+}
+
+OSStatus SimProcessTapHost::readTapUID(AudioObjectID tap, std::string& outUID) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::readTapUID);
+    const auto found = taps_.find(tap);
+    if (status == kNoErr && found == taps_.end()) status = kAudioHardwareBadObjectError;
+    if (status == kNoErr) outUID = found->second;
+    return record(SimTapOperation::readTapUID, tap, status);
+}
+
+OSStatus SimProcessTapHost::createAggregateDevice(const DescriptionDictionary& description,
+                                                  AudioObjectID& outDevice) {
+    std::lock_guard lock(mutex_);
+    lastAggregate_ = description;
+    if (const OSStatus status = injected(SimTapOperation::createAggregateDevice))
+        return record(SimTapOperation::createAggregateDevice, 0, status);
+    outDevice = nextObject_++;
+    aggregates_[outDevice] = description;
+    return record(SimTapOperation::createAggregateDevice, outDevice, kNoErr);
+}
+
+OSStatus SimProcessTapHost::destroyAggregateDevice(AudioObjectID device) {
+    std::lock_guard lock(mutex_);
+    if (const OSStatus status = injected(SimTapOperation::destroyAggregateDevice))
+        return record(SimTapOperation::destroyAggregateDevice, device, status);
+    const OSStatus status = aggregates_.erase(device) == 1 ? kNoErr : kAudioHardwareBadObjectError;
+    return record(SimTapOperation::destroyAggregateDevice, device, status);
+}
+
+OSStatus SimProcessTapHost::createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::createIOProcID);
+    if (status == kNoErr && !aggregates_.contains(device)) status = kAudioHardwareBadObjectError;
+    if (status != kNoErr) return record(SimTapOperation::createIOProcID, 0, status);
+    outProc = nextProc_++;
+    procs_[outProc].device = device;
+    procs_[outProc].block = std::move(block);
+    return record(SimTapOperation::createIOProcID, outProc, kNoErr);
+}
+
+OSStatus SimProcessTapHost::destroyIOProcID(AudioObjectID device, IOProcID proc) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::destroyIOProcID);
+    const auto found = procs_.find(proc);
+    if (status == kNoErr && (found == procs_.end() || found->second.device != device))
+        status = kAudioHardwareBadObjectError;
+    if (status == kNoErr) {
+        stopLocked(found->second);
+        procs_.erase(found);
+    }
+    return record(SimTapOperation::destroyIOProcID, proc, status);
+}
+
+OSStatus SimProcessTapHost::deviceStart(AudioObjectID device, IOProcID proc) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::deviceStart);
+    const auto found = procs_.find(proc);
+    if (status == kNoErr && (found == procs_.end() || found->second.device != device))
+        status = kAudioHardwareBadObjectError;
+    if (status == kNoErr && !found->second.started) {
+        IOProc& started = found->second;
+        started.started = true;
+        if (pacing_ == Pacing::realTime) {
+            // A format without a rate (a broken tap) still delivers at the source's pace.
+            const double rate =
+                format_.mSampleRate > 0 ? format_.mSampleRate : source_->sampleRate();
+            const auto period = std::chrono::duration_cast<std::chrono::nanoseconds>(
+                std::chrono::duration<double>(blockFrames_ / rate));
+            started.thread = std::jthread(deliverInRealTime, started.block,
+                                          SimBlockRenderer(source_, format_, blockFrames_), period);
+        }
+    }
+    return record(SimTapOperation::deviceStart, proc, status);
+}
+
+OSStatus SimProcessTapHost::deviceStop(AudioObjectID device, IOProcID proc) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::deviceStop);
+    const auto found = procs_.find(proc);
+    if (status == kNoErr && (found == procs_.end() || found->second.device != device))
+        status = kAudioHardwareBadObjectError;
+    if (status == kNoErr) stopLocked(found->second);
+    return record(SimTapOperation::deviceStop, proc, status);
+}
+
+void SimProcessTapHost::stopLocked(IOProc& proc) {
+    proc.started = false;
+    if (proc.thread.joinable()) {
+        proc.thread.request_stop();
+        proc.thread.join();
+    }
+}
+
+}  // namespace corvanel
