@@ -31,4 +31,20 @@ void StaticLayer::draw(QPainter& painter, const QSizeF& size, const Paint& paint
         image_);
 }
 
+void StaticLayer::drawPart(QPainter& painter, const QRectF& part) const {
+    if (image_.isNull() || part.isEmpty()) return;
+    const QRectF pixels((part.left() + margin_) * scale_, (part.top() + margin_) * scale_,
+                        part.width() * scale_, part.height() * scale_);
+    // Edges are rounded to the nearest pixel: parts are cut along gaps between shapes.
+    const QPoint topLeft(static_cast<int>(std::lround(pixels.left())),
+                         static_cast<int>(std::lround(pixels.top())));
+    const QPoint bottomRight(static_cast<int>(std::lround(pixels.right())),
+                             static_cast<int>(std::lround(pixels.bottom())));
+    const QRect source = QRect(topLeft, bottomRight - QPoint(1, 1)).intersected(image_.rect());
+    if (source.isEmpty()) return;
+    const QRectF target(source.x() / scale_ - margin_, source.y() / scale_ - margin_,
+                        source.width() / scale_, source.height() / scale_);
+    painter.drawImage(target, image_, QRectF(source));
+}
+
 }  // namespace corvanel::meters

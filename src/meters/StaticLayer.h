@@ -19,6 +19,10 @@ class StaticLayer {
     // `paint` if the size or pixel scale differs from the last time.
     void draw(QPainter& painter, const QSizeF& size, const Paint& paint);
 
+    // Draws only `part` (in the layer's points) of the cached image, widened to whole device
+    // pixels; call after prepare or draw in the same frame.
+    void drawPart(QPainter& painter, const QRectF& part) const;
+
     // Forces the next draw to repaint (e.g. when a printed text changes).
     void invalidate() { image_ = QImage(); }
 
