@@ -1,0 +1,176 @@
+// ProcessTapHost on CoreAudio's process taps (macOS 14.2), private aggregate devices and block IO
+// procedures. The IO block runs on one serial queue and only forwards the buffer list.
+#import <CoreAudio/AudioHardwareTapping.h>
+#import <CoreAudio/CATapDescription.h>
+#import <CoreAudio/CoreAudio.h>
+#import <Foundation/Foundation.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+#include "platform/ProcessTapHost.h"
+#include "platform/mac/AggregateDeviceKeys.h"
+#include "platform/mac/MacPlatformPorts.h"
+#include "platform/mac/NativeConversions.h"
+
+namespace corvanel {
+namespace {
+
+static_assert(corvanel::kAudioTapPropertyFormat == ::kAudioTapPropertyFormat);
+static_assert(corvanel::kAudioTapPropertyUID == ::kAudioTapPropertyUID);
+
+static_assert(aggregateKeys::name == kAudioAggregateDeviceNameKey);
+static_assert(aggregateKeys::uid == kAudioAggregateDeviceUIDKey);
+static_assert(aggregateKeys::isPrivate == kAudioAggregateDeviceIsPrivateKey);
+static_assert(aggregateKeys::isStacked == kAudioAggregateDeviceIsStackedKey);
+static_assert(aggregateKeys::tapAutoStart == kAudioAggregateDeviceTapAutoStartKey);
+static_assert(aggregateKeys::mainSubDevice == kAudioAggregateDeviceMainSubDeviceKey);
+static_assert(aggregateKeys::subDeviceList == kAudioAggregateDeviceSubDeviceListKey);
+static_assert(aggregateKeys::tapList == kAudioAggregateDeviceTapListKey);
+static_assert(aggregateKeys::subDeviceUID == kAudioSubDeviceUIDKey);
+static_assert(aggregateKeys::subTapUID == kAudioSubTapUIDKey);
+static_assert(aggregateKeys::subTapDriftCompensation == kAudioSubTapDriftCompensationKey);
+
+// A tap delivers one interleaved buffer, or one per channel; the block sees at most this many.
+constexpr std::size_t viewedBufferCount = 16;
+
+NSString* text(const std::string& value) {
+    return [[NSString alloc] initWithBytes:value.data()
+                                    length:value.size()
+                                  encoding:NSUTF8StringEncoding];
+}
+
+id propertyList(const DescriptionValue& value);
+
+NSDictionary* propertyList(const DescriptionDictionary& dictionary) {
+    NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:dictionary.size()];
+    for (const auto& [key, entry] : dictionary)
+        result[text(key)] = propertyList(entry);
+    return result;
+}
+
+id propertyList(const DescriptionValue& value) {
+    return std::visit(
+        [](const auto& held) -> id {
+            using Held = std::decay_t<decltype(held)>;
+            if constexpr (std::is_same_v<Held, bool>) {
+                return @(held);
+            } else if constexpr (std::is_same_v<Held, std::int64_t>) {
+                return @(static_cast<long long>(held));
+            } else if constexpr (std::is_same_v<Held, std::string>) {
+                return text(held);
+            } else if constexpr (std::is_same_v<Held, DescriptionList>) {
+                NSMutableArray* list = [NSMutableArray arrayWithCapacity:held.size()];
+                for (const DescriptionValue& item : held)
+                    [list addObject:propertyList(item)];
+                return list;
+            } else {
+                return propertyList(held);
+            }
+        },
+        value.value);
+}
+
+AudioDeviceIOProcID platformProc(IOProcID proc) {
+    return reinterpret_cast<AudioDeviceIOProcID>(static_cast<std::uintptr_t>(proc));
+}
+
+class MacProcessTapHost final : public ProcessTapHost {
+  public:
+    explicit MacProcessTapHost(std::shared_ptr<AudioHardware> audio) : audio_(std::move(audio)) {}
+
+    OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) override {
+        if (@available(macOS 14.2, *)) {
+            NSMutableArray<NSNumber*>* excluded =
+                [NSMutableArray arrayWithCapacity:description.excludedProcesses.size()];
+            for (const AudioObjectID process : description.excludedProcesses)
+                [excluded addObject:@(process)];
+            CATapDescription* tap =
+                description.stereoMixdown
+                    ? [[CATapDescription alloc] initStereoGlobalTapButExcludeProcesses:excluded]
+                    : [[CATapDescription alloc] initMonoGlobalTapButExcludeProcesses:excluded];
+            tap.name = text(description.name);
+            tap.privateTap = description.isPrivate;
+            tap.muteBehavior = static_cast<CATapMuteBehavior>(description.muteBehavior);
+            ::AudioObjectID tapID = ::kAudioObjectUnknown;
+            const OSStatus status = AudioHardwareCreateProcessTap(tap, &tapID);
+            outTap = tapID;
+            return status;
+        }
+        return kAudioHardwareUnsupportedOperationError;
+    }
+
+    OSStatus destroyProcessTap(AudioObjectID tap) override {
+        if (@available(macOS 14.2, *)) return AudioHardwareDestroyProcessTap(tap);
+        return kAudioHardwareUnsupportedOperationError;
+    }
+
+    OSStatus readTapFormat(AudioObjectID tap, AudioStreamBasicDescription& outFormat) override {
+        std::uint32_t size = sizeof(outFormat);
+        return audio_->getPropertyData(tap, {corvanel::kAudioTapPropertyFormat}, size, &outFormat);
+    }
+
+    OSStatus readTapUID(AudioObjectID tap, std::string& outUID) override {
+        return audio_->getPropertyString(tap, {corvanel::kAudioTapPropertyUID}, outUID);
+    }
+
+    OSStatus createAggregateDevice(const DescriptionDictionary& description,
+                                   AudioObjectID& outDevice) override {
+        NSDictionary* composition = propertyList(description);
+        ::AudioObjectID device = ::kAudioObjectUnknown;
+        const OSStatus status =
+            AudioHardwareCreateAggregateDevice((__bridge CFDictionaryRef)composition, &device);
+        outDevice = device;
+        return status;
+    }
+
+    OSStatus destroyAggregateDevice(AudioObjectID device) override {
+        return AudioHardwareDestroyAggregateDevice(device);
+    }
+
+    OSStatus createIOProcID(AudioObjectID device, IOBlock deliver, IOProcID& outProc) override {
+        AudioDeviceIOProcID proc = nullptr;
+        const OSStatus status = AudioDeviceCreateIOProcIDWithBlock(
+            &proc, device, ioQueue_,
+            ^(const AudioTimeStamp*, const AudioBufferList* input, const AudioTimeStamp*,
+              AudioBufferList*, const AudioTimeStamp*) {
+              std::array<AudioBufferView, viewedBufferCount> views;
+              const std::uint32_t count =
+                  input != nullptr ? viewBuffers(input->mBuffers, input->mNumberBuffers, views) : 0;
+              deliver(views.data(), count);
+            });
+        outProc = reinterpret_cast<std::uintptr_t>(proc);
+        return status;
+    }
+
+    OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override {
+        return AudioDeviceDestroyIOProcID(device, platformProc(proc));
+    }
+
+    OSStatus deviceStart(AudioObjectID device, IOProcID proc) override {
+        return AudioDeviceStart(device, platformProc(proc));
+    }
+
+    OSStatus deviceStop(AudioObjectID device, IOProcID proc) override {
+        return AudioDeviceStop(device, platformProc(proc));
+    }
+
+  private:
+    std::shared_ptr<AudioHardware> audio_;
+    // Created once with the host, as the capture's serial queue.
+    dispatch_queue_t ioQueue_ = dispatch_queue_create(
+        "Corvanel.SpectrumIO", dispatch_queue_attr_make_with_qos_class(
+                                   DISPATCH_QUEUE_SERIAL, QOS_CLASS_USER_INITIATED, 0));
+};
+
+}  // namespace
+
+std::shared_ptr<ProcessTapHost> makeMacProcessTapHost(std::shared_ptr<AudioHardware> audio) {
+    return std::make_shared<MacProcessTapHost>(std::move(audio));
+}
+
+}  // namespace corvanel

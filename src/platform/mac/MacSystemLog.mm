@@ -1,0 +1,57 @@
+// SystemLog on the unified log's local store (OSLogStore): the entries of one process from a
+// position relative to the end of the log, oldest first.
+#import <Foundation/Foundation.h>
+#import <OSLog/OSLog.h>
+
+#include "platform/SystemLog.h"
+#include "platform/mac/MacPlatformPorts.h"
+#include "platform/mac/NativeConversions.h"
+
+namespace corvanel {
+namespace {
+
+std::string describe(NSError* error) {
+    const char* utf8 = error.localizedDescription.UTF8String;
+    return utf8 != nullptr ? utf8 : "";
+}
+
+class MacSystemLog final : public SystemLog {
+  public:
+    std::optional<std::string> enumerate(const std::string& process, double secondsBack,
+                                         const EntryVisitor& visit) override {
+        @autoreleasepool {
+            NSError* error = nil;
+            OSLogStore* store = [OSLogStore localStoreAndReturnError:&error];
+            if (store == nil) return describe(error);
+            OSLogPosition* start = [store positionWithTimeIntervalSinceEnd:-secondsBack];
+            NSPredicate* fromProcess =
+                [NSPredicate predicateWithFormat:@"process == %@",
+                                                 [NSString stringWithUTF8String:process.c_str()]];
+            // No options: oldest first.
+            OSLogEnumerator* entries = [store entriesEnumeratorWithOptions:0
+                                                                  position:start
+                                                                 predicate:fromProcess
+                                                                     error:&error];
+            if (entries == nil) return describe(error);
+            for (OSLogEntry* entry in entries) {
+                // A long span holds many entries; free each one's temporaries as it goes.
+                @autoreleasepool {
+                    if (![entry isKindOfClass:[OSLogEntryLog class]]) continue;
+                    OSLogEntryLog* log = static_cast<OSLogEntryLog*>(entry);
+                    const char* message = log.composedMessage.UTF8String;
+                    visit(message != nullptr ? message : "",
+                          wallTimeFromUnixSeconds(log.date.timeIntervalSince1970));
+                }
+            }
+            return std::nullopt;
+        }
+    }
+};
+
+}  // namespace
+
+std::shared_ptr<SystemLog> makeMacSystemLog() {
+    return std::make_shared<MacSystemLog>();
+}
+
+}  // namespace corvanel
