@@ -1,0 +1,34 @@
+#pragma once
+// What every view of the shell receives from the application, as a view environment would hand
+// it down: the engine (and through it the analyzer), the ports a view acts through, and the
+// application's actions.
+#include <QPoint>
+#include <QString>
+#include <functional>
+#include <memory>
+
+#include "platform/MainExecutor.h"
+#include "platform/SettingsStore.h"
+#include "platform/Workspace.h"
+
+namespace corvanel {
+
+class SwitcherEngine;
+class WindowList;
+
+struct AppEnvironment {
+    std::shared_ptr<SwitcherEngine> engine;
+    std::shared_ptr<MainExecutor> executor;
+    std::shared_ptr<SettingsStore> settings;
+    std::shared_ptr<Workspace> workspace;
+    // The application's open windows, in the order they were opened.
+    std::shared_ptr<WindowList> windows;
+    // Opens the window with this identifier ("panel", "visualizer"), or brings it forward.
+    std::function<void(const QString& identifier)> openWindow;
+    // Ends the application.
+    std::function<void()> quit;
+    // The pointer's position in screen coordinates (the same space as window frames).
+    std::function<QPoint()> pointerPosition;
+};
+
+}  // namespace corvanel
