@@ -49,6 +49,11 @@ void MusicSynthesizer::startBar() {
     }
     for (double& bass : bassHz_)
         bass = noteHz(41.2, pentatonic[nextRandom(noiseState_) % pentatonic.size()] + root % 2);
+    for (double& lead : leadHz_) {
+        const int step = pentatonic[nextRandom(noiseState_) % pentatonic.size()];
+        const int octave = static_cast<int>(nextRandom(noiseState_) % 3);
+        lead = noteHz(440.0, root + step + 12 * octave);
+    }
     hatPan_ = static_cast<float>(0.55 + 0.35 * unitRandom(noiseState_));
 }
 
@@ -83,6 +88,20 @@ MusicSynthesizer::Stereo MusicSynthesizer::nextFrame() {
     left += bass * 0.65f;
     right += bass * 0.35f;
 
+    // Lead: eighth notes with a few harmonics, alternating sides.
+    const double inEighth = std::fmod(t, beatSeconds / 2);
+    const auto eighth = static_cast<std::size_t>(std::fmod(t, barSeconds) / (beatSeconds / 2));
+    leadPhase_ =
+        std::fmod(leadPhase_ + twoPi * leadHz_[eighth % leadHz_.size()] / sampleRate_, twoPi);
+    const float leadEnvelope = static_cast<float>(std::exp(-inEighth * 6.0));
+    const float lead =
+        leadEnvelope *
+        static_cast<float>(0.06 * std::sin(leadPhase_) + 0.03 * std::sin(2.0 * leadPhase_) +
+                           0.02 * std::sin(3.0 * leadPhase_) + 0.015 * std::sin(5.0 * leadPhase_));
+    const float leadPan = eighth % 2 == 0 ? 0.3f : 0.7f;
+    left += lead * (1.0f - leadPan);
+    right += lead * leadPan;
+
     // Kick on every beat: a sine falling from 120 Hz towards 45 Hz, centred.
     const double kickHz = 45.0 + 75.0 * std::exp(-inBeat * 30.0);
     kickPhase_ = inBeat == 0.0 ? 0.0 : std::fmod(kickPhase_ + twoPi * kickHz / sampleRate_, twoPi);
@@ -95,7 +114,7 @@ MusicSynthesizer::Stereo MusicSynthesizer::nextFrame() {
     const float noise = nextNoise();
     const float hat = 0.08f * static_cast<float>(std::exp(-offBeat * 60.0)) * noise;
     const float snare =
-        beat % 2 == 1 ? 0.12f * static_cast<float>(std::exp(-inBeat * 18.0)) * noise : 0.0f;
+        beat % 2 == 1 ? 0.12f * static_cast<float>(std::exp(-inBeat * 12.0)) * noise : 0.0f;
     left += hat * (1.0f - hatPan_) + snare * 0.5f;
     right += hat * hatPan_ + snare * 0.5f;
 

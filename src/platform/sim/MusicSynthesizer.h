@@ -37,6 +37,8 @@ class MusicSynthesizer final : public AudioSource {
     std::array<double, partialCount> partialPhase_{};
     std::array<float, partialCount> partialPan_{};
     std::array<double, 4> bassHz_{};
+    std::array<double, 8> leadHz_{};  // an eighth-note melody, bright, for the upper middle
+    double leadPhase_ = 0;
     double bassPhase_ = 0;
     double kickPhase_ = 0;
     float hatPan_ = 0.5f;
