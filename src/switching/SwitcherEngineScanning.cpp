@@ -73,9 +73,11 @@ Task<> SwitcherEngine::scan(double secondsBack) {
 }
 
 Task<> SwitcherEngine::runScan(std::shared_ptr<SwitcherEngine> self, double secondsBack) {
-    const std::shared_ptr<SystemLog> log = self->ports_.systemLog;
-    const ScanOutcome outcome = co_await runInBackground(
-        [log, secondsBack] { return LogScanner::scanRecentLogs(*log, secondsBack); });
+    // A named awaiter: GCC destroys captures of a temporary awaited lambda twice.
+    auto readLog = runInBackground([log = self->ports_.systemLog, secondsBack] {
+        return LogScanner::scanRecentLogs(*log, secondsBack);
+    });
+    const ScanOutcome outcome = co_await readLog;
     const auto technicals = MusicController::currentTrackTechnicals(*self->ports_.scripts);
     const WallTime now = self->ports_.executor->wallNow();
 

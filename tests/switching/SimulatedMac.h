@@ -89,6 +89,16 @@ struct SimulatedMac {
         return audio->addDevice(spec);
     }
 
+    // The nominal-rate writes so far, as "<rate> on <device>".
+    std::vector<std::string> rateWrites() const {
+        std::vector<std::string> writes;
+        for (const SimAudioHardware::Write& write : audio->writes()) {
+            if (write.address.mSelector == kAudioDevicePropertyNominalSampleRate)
+                writes.push_back(formatRate(write.rate()) + " on " + std::to_string(write.object));
+        }
+        return writes;
+    }
+
     WallTime secondsIn(double seconds) const {
         return executor->wallNow() +
                std::chrono::duration_cast<WallTime::duration>(Seconds{seconds});
