@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/mac/AggregateDeviceKeys.h"
+#include "platform/mac/DescriptionTranslation.h"
 #include "platform/mac/HandleTable.h"
 #include "platform/mac/NativeConversions.h"
 #include "spectrum/AggregateDescription.h"
@@ -136,6 +137,53 @@ TEST(AggregateDeviceKeysTest, SpectrumDescriptionUsesExactlyThePublishedKeys) {
     ASSERT_EQ(tap.size(), aggregateKeys::subTap.size());
     for (const auto& [key, value] : tap)
         EXPECT_TRUE(known(aggregateKeys::subTap, key)) << key;
+}
+
+// Renders each kind distinctly, so a boolean turned into an integer (or a reordered entry)
+// shows in the text.
+struct TextBuilder {
+    using Object = std::string;
+    Object boolean(bool value) { return value ? "yes" : "no"; }
+    Object integer(std::int64_t value) { return "#" + std::to_string(value); }
+    Object text(const std::string& value) { return "'" + value + "'"; }
+    Object list(std::vector<Object> items) {
+        std::string out = "[";
+        for (const auto& item : items)
+            out += item + ";";
+        return out + "]";
+    }
+    Object dictionary(std::vector<std::pair<std::string, Object>> entries) {
+        std::string out = "{";
+        for (const auto& [key, entry] : entries)
+            out += key + "=" + entry + ";";
+        return out + "}";
+    }
+};
+
+TEST(DescriptionTranslationTest, KeepsKindsAndOrderAtEveryDepth) {
+    const DescriptionDictionary tap = {{"uid", {std::string("TAP")}}, {"drift", {true}}};
+    const DescriptionDictionary description = {
+        {"private", {true}},
+        {"stacked", {false}},
+        {"latency", {std::int64_t{-9000000000}}},
+        {"taps", {DescriptionList{{tap}}}},
+        {"subdevices", {DescriptionList{}}},
+        {"name", {std::string("Corvanel Spectrum")}},
+    };
+    TextBuilder builder;
+    EXPECT_EQ(translateDescription(DescriptionValue{description}, builder),
+              "{private=yes;stacked=no;latency=#-9000000000;taps=[{uid='TAP';drift=yes;};];"
+              "subdevices=[];name='Corvanel Spectrum';}");
+}
+
+TEST(DescriptionTranslationTest, TranslatesTheCaptureDescriptionCompletely) {
+    TextBuilder builder;
+    const std::string text = translateDescription(
+        DescriptionValue{spectrumAggregateDescription("Speakers", "TAP-UID")}, builder);
+    EXPECT_NE(text.find("master='Speakers';"), std::string::npos) << text;
+    EXPECT_NE(text.find("subdevices=[{uid='Speakers';};];"), std::string::npos) << text;
+    EXPECT_NE(text.find("taps=[{uid='TAP-UID';drift=yes;};]"), std::string::npos) << text;
+    EXPECT_NE(text.find("tapautostart=yes;"), std::string::npos) << text;
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/AudioHardware.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/HandleTable.h"
 #include "platform/mac/MacPlatformPorts.h"
 
@@ -100,8 +101,7 @@ class MacAudioHardware final : public AudioHardware {
         if (status != noErr) return status;
         // Success without a string would otherwise read as an empty name or UID.
         if (text == nil) return kAudioHardwareUnspecifiedError;
-        const char* utf8 = text.UTF8String;
-        outText = utf8 != nullptr ? utf8 : "";
+        outText = stdString(text);
         return status;
     }
 

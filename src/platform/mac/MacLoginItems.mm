@@ -3,6 +3,7 @@
 #import <ServiceManagement/ServiceManagement.h>
 
 #include "platform/LoginItems.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
 
 namespace corvanel {
@@ -10,8 +11,7 @@ namespace {
 
 std::optional<std::string> failure(BOOL succeeded, NSError* error) {
     if (succeeded) return std::nullopt;
-    const char* utf8 = error.localizedDescription.UTF8String;
-    return std::string(utf8 != nullptr ? utf8 : "");
+    return stdString(error.localizedDescription);
 }
 
 class MacLoginItems final : public LoginItems {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/PlayerNotifications.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
 #include "platform/mac/NativeConversions.h"
 
@@ -14,8 +15,7 @@ namespace {
 
 UserInfoValue userInfoValue(id value) {
     if ([value isKindOfClass:[NSString class]]) {
-        const char* utf8 = static_cast<NSString*>(value).UTF8String;
-        return std::string(utf8 != nullptr ? utf8 : "");
+        return stdString(value);
     }
     if ([value isKindOfClass:[NSNumber class]]) {
         NSNumber* number = value;
@@ -38,9 +38,7 @@ std::optional<UserInfo> userInfo(NSDictionary* dictionary) {
     UserInfo result;
     for (id key in dictionary) {
         if (![key isKindOfClass:[NSString class]]) continue;
-        const char* utf8 = static_cast<NSString*>(key).UTF8String;
-        if (utf8 == nullptr) continue;
-        result.emplace(utf8, userInfoValue(dictionary[key]));
+        result.emplace(stdString(key), userInfoValue(dictionary[key]));
     }
     return result;
 }
@@ -58,7 +56,7 @@ class MacPlayerNotifications final : public PlayerNotifications {
     }
 
     NotificationObserverToken addObserver(const std::string& name, Handler handler) override {
-        NSString* notificationName = [NSString stringWithUTF8String:name.c_str()];
+        NSString* notificationName = nsString(name);
         id<NSObject> token = [[NSDistributedNotificationCenter defaultCenter]
             addObserverForName:notificationName
                         object:nil

@@ -11,9 +11,12 @@
 #include <type_traits>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "platform/ProcessTapHost.h"
 #include "platform/mac/AggregateDeviceKeys.h"
+#include "platform/mac/DescriptionTranslation.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
 #include "platform/mac/NativeConversions.h"
 
@@ -38,42 +41,25 @@ static_assert(aggregateKeys::subTapDriftCompensation == kAudioSubTapDriftCompens
 // A tap delivers one interleaved buffer, or one per channel; the block sees at most this many.
 constexpr std::size_t viewedBufferCount = 16;
 
-NSString* text(const std::string& value) {
-    return [[NSString alloc] initWithBytes:value.data()
-                                    length:value.size()
-                                  encoding:NSUTF8StringEncoding];
-}
-
-id propertyList(const DescriptionValue& value);
-
-NSDictionary* propertyList(const DescriptionDictionary& dictionary) {
-    NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:dictionary.size()];
-    for (const auto& [key, entry] : dictionary)
-        result[text(key)] = propertyList(entry);
-    return result;
-}
-
-id propertyList(const DescriptionValue& value) {
-    return std::visit(
-        [](const auto& held) -> id {
-            using Held = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<Held, bool>) {
-                return @(held);
-            } else if constexpr (std::is_same_v<Held, std::int64_t>) {
-                return @(static_cast<long long>(held));
-            } else if constexpr (std::is_same_v<Held, std::string>) {
-                return text(held);
-            } else if constexpr (std::is_same_v<Held, DescriptionList>) {
-                NSMutableArray* list = [NSMutableArray arrayWithCapacity:held.size()];
-                for (const DescriptionValue& item : held)
-                    [list addObject:propertyList(item)];
-                return list;
-            } else {
-                return propertyList(held);
-            }
-        },
-        value.value);
-}
+// Property-list objects for the platform's aggregate-device description.
+struct PropertyListBuilder {
+    using Object = id;
+    Object boolean(bool value) { return @(value); }
+    Object integer(std::int64_t value) { return @(static_cast<long long>(value)); }
+    Object text(const std::string& value) { return nsString(value); }
+    Object list(std::vector<Object> items) {
+        NSMutableArray* result = [NSMutableArray arrayWithCapacity:items.size()];
+        for (Object item : items)
+            [result addObject:item];
+        return result;
+    }
+    Object dictionary(std::vector<std::pair<std::string, Object>> entries) {
+        NSMutableDictionary* result = [NSMutableDictionary dictionaryWithCapacity:entries.size()];
+        for (const auto& [key, entry] : entries)
+            result[nsString(key)] = entry;
+        return result;
+    }
+};
 
 AudioDeviceIOProcID platformProc(IOProcID proc) {
     return reinterpret_cast<AudioDeviceIOProcID>(static_cast<std::uintptr_t>(proc));
@@ -93,7 +79,7 @@ class MacProcessTapHost final : public ProcessTapHost {
                 description.stereoMixdown
                     ? [[CATapDescription alloc] initStereoGlobalTapButExcludeProcesses:excluded]
                     : [[CATapDescription alloc] initMonoGlobalTapButExcludeProcesses:excluded];
-            tap.name = text(description.name);
+            tap.name = nsString(description.name);
             tap.privateTap = description.isPrivate;
             tap.muteBehavior = static_cast<CATapMuteBehavior>(description.muteBehavior);
             ::AudioObjectID tapID = ::kAudioObjectUnknown;
@@ -120,7 +106,8 @@ class MacProcessTapHost final : public ProcessTapHost {
 
     OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                    AudioObjectID& outDevice) override {
-        NSDictionary* composition = propertyList(description);
+        PropertyListBuilder builder;
+        NSDictionary* composition = translateDescription(DescriptionValue{description}, builder);
         ::AudioObjectID device = ::kAudioObjectUnknown;
         const OSStatus status =
             AudioHardwareCreateAggregateDevice((__bridge CFDictionaryRef)composition, &device);

@@ -4,22 +4,17 @@
 #import <Foundation/Foundation.h>
 
 #include "platform/ScriptRunner.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
 
 namespace corvanel {
 namespace {
 
-NSString* text(const std::string& value) {
-    return [[NSString alloc] initWithBytes:value.data()
-                                    length:value.size()
-                                  encoding:NSUTF8StringEncoding];
-}
-
 class MacScriptRunner final : public ScriptRunner {
   public:
     std::optional<std::string> runScript(const std::string& source) override {
         @autoreleasepool {
-            NSString* sourceText = text(source);
+            NSString* sourceText = nsString(source);
             if (sourceText == nil) return std::nullopt;
             NSAppleScript* script = [[NSAppleScript alloc] initWithSource:sourceText];
             if (script == nil) return std::nullopt;
@@ -28,15 +23,13 @@ class MacScriptRunner final : public ScriptRunner {
             if (reply == nil || errorInfo != nil) return std::nullopt;
             NSString* replyText = reply.stringValue;
             if (replyText == nil) return std::nullopt;
-            const char* utf8 = replyText.UTF8String;
-            if (utf8 == nullptr) return std::nullopt;
-            return std::string(utf8);
+            return stdString(replyText);
         }
     }
 
     bool isApplicationRunning(const std::string& bundleIdentifier) override {
         @autoreleasepool {
-            NSString* identifier = text(bundleIdentifier);
+            NSString* identifier = nsString(bundleIdentifier);
             if (identifier == nil) return false;
             return
                 [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count > 0;

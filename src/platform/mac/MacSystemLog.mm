@@ -4,16 +4,12 @@
 #import <OSLog/OSLog.h>
 
 #include "platform/SystemLog.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
 #include "platform/mac/NativeConversions.h"
 
 namespace corvanel {
 namespace {
-
-std::string describe(NSError* error) {
-    const char* utf8 = error.localizedDescription.UTF8String;
-    return utf8 != nullptr ? utf8 : "";
-}
 
 class MacSystemLog final : public SystemLog {
   public:
@@ -22,24 +18,22 @@ class MacSystemLog final : public SystemLog {
         @autoreleasepool {
             NSError* error = nil;
             OSLogStore* store = [OSLogStore localStoreAndReturnError:&error];
-            if (store == nil) return describe(error);
+            if (store == nil) return stdString(error.localizedDescription);
             OSLogPosition* start = [store positionWithTimeIntervalSinceEnd:-secondsBack];
             NSPredicate* fromProcess =
-                [NSPredicate predicateWithFormat:@"process == %@",
-                                                 [NSString stringWithUTF8String:process.c_str()]];
+                [NSPredicate predicateWithFormat:@"process == %@", nsString(process)];
             // No options: oldest first.
             OSLogEnumerator* entries = [store entriesEnumeratorWithOptions:0
                                                                   position:start
                                                                  predicate:fromProcess
                                                                      error:&error];
-            if (entries == nil) return describe(error);
+            if (entries == nil) return stdString(error.localizedDescription);
             for (OSLogEntry* entry in entries) {
                 // A long span holds many entries; free each one's temporaries as it goes.
                 @autoreleasepool {
                     if (![entry isKindOfClass:[OSLogEntryLog class]]) continue;
                     OSLogEntryLog* log = static_cast<OSLogEntryLog*>(entry);
-                    const char* message = log.composedMessage.UTF8String;
-                    visit(message != nullptr ? message : "",
+                    visit(stdString(log.composedMessage),
                           wallTimeFromUnixSeconds(log.date.timeIntervalSince1970));
                 }
             }

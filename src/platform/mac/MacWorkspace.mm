@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 
 #include "platform/Workspace.h"
+#include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
 
 namespace corvanel {
@@ -11,14 +12,14 @@ namespace {
 class MacWorkspace final : public Workspace {
   public:
     bool hasApplication(const std::string& path) override {
-        NSString* location = [NSString stringWithUTF8String:path.c_str()];
+        NSString* location = nsString(path);
         return location != nil && [[NSFileManager defaultManager] fileExistsAtPath:location];
     }
 
     // The request is handed over; the workspace opens the application asynchronously.
     bool openApplication(const std::string& path) override {
         if (!hasApplication(path)) return false;
-        NSURL* application = [NSURL fileURLWithPath:[NSString stringWithUTF8String:path.c_str()]];
+        NSURL* application = [NSURL fileURLWithPath:nsString(path)];
         [[NSWorkspace sharedWorkspace]
             openApplicationAtURL:application
                    configuration:[NSWorkspaceOpenConfiguration configuration]
