@@ -10,6 +10,7 @@
 #include "platform/mac/DescriptionTranslation.h"
 #include "platform/mac/HandleTable.h"
 #include "platform/mac/NativeConversions.h"
+#include "platform/mac/ScreenRect.h"
 #include "spectrum/AggregateDescription.h"
 
 namespace corvanel {

@@ -26,22 +26,6 @@ inline WallTime wallTimeFromUnixSeconds(double seconds) {
     return WallTime{std::chrono::duration_cast<WallTime::duration>(Seconds{seconds})};
 }
 
-// A rectangle in screen points.
-struct ScreenRect {
-    double x = 0;
-    double y = 0;
-    double width = 0;
-    double height = 0;
-    friend bool operator==(const ScreenRect&, const ScreenRect&) = default;
-};
-
-// AppKit measures the screen from the bottom-left corner of the primary screen, y upwards; Qt
-// from its top-left corner, y downwards.
-constexpr ScreenRect topLeftOrigin(const ScreenRect& bottomLeftRect, double primaryScreenHeight) {
-    return {bottomLeftRect.x, primaryScreenHeight - bottomLeftRect.y - bottomLeftRect.height,
-            bottomLeftRect.width, bottomLeftRect.height};
-}
-
 // The first buffers of a platform buffer list (anything with mNumberChannels, mDataByteSize and
 // mData) as the port's views, in storage the audio thread already owns: no allocation. Returns
 // how many were copied; buffers beyond the storage's size are not shown.

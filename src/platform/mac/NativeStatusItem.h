@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "platform/mac/NativeConversions.h"
+#include "platform/mac/ScreenRect.h"
 
 namespace corvanel {
 
