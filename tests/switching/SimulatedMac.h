@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/MusicScripts.h"
 #include "platform/PlatformPorts.h"
 #include "platform/sim/MusicSynthesizer.h"
 #include "platform/sim/SimAudioHardware.h"
@@ -20,6 +21,18 @@
 #include "switching/RateLabels.h"
 
 namespace corvanel::testing {
+
+// The player's scripts by a short name; any other text as it is.
+inline std::string scriptLabel(const std::string& script) {
+    const std::pair<const char*, const char*> labels[] = {
+        {MusicScripts::playerState, "state"}, {MusicScripts::pause, "pause"},
+        {MusicScripts::play, "play"},         {MusicScripts::readPosition, "position"},
+        {MusicScripts::rewind, "rewind"},     {MusicScripts::trackTechnicals, "technicals"}};
+    for (const auto& [text, label] : labels) {
+        if (script == text) return label;
+    }
+    return script;
+}
 
 // Virtual wall time as UTC "HH:MM:SS", so activity lines are exact.
 inline std::string utcTimeOfDay(WallTime time) {
@@ -43,13 +56,14 @@ struct SimulatedMac {
         std::make_shared<SimPlayerNotifications>(executor);
     std::shared_ptr<SimSettingsStore> settings = std::make_shared<SimSettingsStore>();
     std::shared_ptr<SimLoginItems> loginItems = std::make_shared<SimLoginItems>();
-    // Scripts as their text, rate writes as "write <rate> on <device>".
+    // Scripts by a short label (scriptLabel), rate writes as "write <rate> on <device>".
     std::vector<std::string> journal;
 
     SimulatedMac() {
         // The analyzer stays idle unless a test turns it on.
         settings->preset("spectrumEnabled", false);
-        music->setScriptObserver([this](const std::string& script) { journal.push_back(script); });
+        music->setScriptObserver(
+            [this](const std::string& script) { journal.push_back(scriptLabel(script)); });
         audio->setWriteObserver([this](const SimAudioHardware::Write& write) {
             if (write.address.mSelector == kAudioDevicePropertyNominalSampleRate)
                 journal.push_back("write " + formatRate(write.rate()) + " on " +
@@ -71,9 +85,10 @@ struct SimulatedMac {
         return ports;
     }
 
-    // A device offering `rates` (discrete), with one output stream offering 16- and 24-bit
-    // linear PCM at each of them and running at 16 bits.
-    AudioObjectID addDevice(const std::string& name, double rate, std::vector<double> rates) {
+    // A device offering `rates` (discrete), with one output stream offering 16-bit and
+    // `deepest`-bit linear PCM at each of them and running at 16 bits.
+    AudioObjectID addDevice(const std::string& name, double rate, std::vector<double> rates,
+                            std::uint32_t deepest = 24) {
         SimAudioHardware::DeviceSpec spec;
         spec.name = name;
         spec.uid = name + "-uid";
@@ -82,7 +97,7 @@ struct SimulatedMac {
         for (const double offered : rates) {
             spec.availableRates.push_back({offered, offered});
             stream.availableFormats.push_back(SimAudioHardware::linearPCM(offered, 16));
-            stream.availableFormats.push_back(SimAudioHardware::linearPCM(offered, 24));
+            stream.availableFormats.push_back(SimAudioHardware::linearPCM(offered, deepest));
         }
         stream.physicalFormat = SimAudioHardware::linearPCM(rate, 16).mFormat;
         spec.outputStreams.push_back(stream);

@@ -131,9 +131,39 @@ void SimAudioHardware::changeNominalRateExternally(AudioObjectID device, double 
         const auto found = devices_.find(device);
         if (found == devices_.end()) return;
         found->second.spec.nominalRate = rate;
+        moveStreamsToRate(found->second, rate);
         toNotify = listenersFor(device, kAudioDevicePropertyNominalSampleRate);
     }
     notify(toNotify);
+}
+
+void SimAudioHardware::setPhysicalFormat(AudioObjectID stream,
+                                         const AudioStreamBasicDescription& format) {
+    std::lock_guard lock(mutex_);
+    if (const auto found = streams_.find(stream); found != streams_.end())
+        found->second.spec.physicalFormat = format;
+}
+
+void SimAudioHardware::moveStreamsToRate(const Device& device, double rate) {
+    for (const AudioObjectID id : device.streamIDs) {
+        StreamSpec& stream = streams_[id].spec;
+        AudioStreamBasicDescription wanted = stream.physicalFormat;
+        wanted.mSampleRate = rate;
+        if (offersFormat(stream.availableFormats, wanted)) {
+            stream.physicalFormat = wanted;
+            continue;
+        }
+        // Otherwise the first linear-PCM format offered at the rate.
+        for (const AudioStreamRangedDescription& entry : stream.availableFormats) {
+            AudioStreamBasicDescription candidate = entry.mFormat;
+            candidate.mSampleRate = rate;
+            if (candidate.mFormatID == kAudioFormatLinearPCM &&
+                offersFormat(stream.availableFormats, candidate)) {
+                stream.physicalFormat = candidate;
+                break;
+            }
+        }
+    }
 }
 
 void SimAudioHardware::injectFailure(Failure failure) {
@@ -296,6 +326,7 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
         if (!offersRate(spec.availableRates, rate)) return kAudioDeviceUnsupportedFormatError;
         if (spec.nominalRate != rate) {
             spec.nominalRate = rate;
+            moveStreamsToRate(device->second, rate);
             toNotify = listenersFor(object, kAudioDevicePropertyNominalSampleRate);
         }
         return kNoErr;

@@ -89,6 +89,8 @@ class SimAudioHardware final : public AudioHardware {
     void setDefaultOutputDevice(AudioObjectID device);
     // Another program sets the device's nominal rate; its rate listeners fire.
     void changeNominalRateExternally(AudioObjectID device, double rate);
+    // The driver changes a stream's current format by itself (no listener fires).
+    void setPhysicalFormat(AudioObjectID stream, const AudioStreamBasicDescription& format);
     // Makes calls fail (see Failure); clearFailures() lifts every rule.
     void injectFailure(Failure failure);
     void clearFailures();
@@ -145,6 +147,8 @@ class SimAudioHardware final : public AudioHardware {
     OSStatus applyWrite(AudioObjectID object, const AudioObjectPropertyAddress& address,
                         const std::vector<unsigned char>& data, std::vector<Listener>& toNotify);
     std::vector<Listener> listenersFor(AudioObjectID object, std::uint32_t selector) const;
+    // Like hardware, streams follow a new nominal rate: they keep their bits when offered there.
+    void moveStreamsToRate(const Device& device, double rate);
     void notify(const std::vector<Listener>& listeners);
 
     std::shared_ptr<MainExecutor> executor_;
