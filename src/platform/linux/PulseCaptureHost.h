@@ -1,0 +1,84 @@
+#pragma once
+// System-audio capture on Linux through libpulse (PulseAudio, or PipeWire's pulse server):
+// the monitor source of the default sink — what every application plays, never a microphone —
+// recorded as 32-bit float stereo at the sink's rate. The tap host's operations map onto it:
+//
+//   create the audio tap       connect to the server, find the default sink and its monitor,
+//                              and follow later changes of the default sink
+//   read the tap format        the sink's rate, as float32 interleaved stereo
+//   read the tap UID           the monitor source's name
+//   create the capture device  a record stream (not yet connected)
+//   install the audio callback the stream's read callback, delivering into the IO block
+//   start audio capture        connect the stream to the monitor
+//
+// When the default sink changes while recording, the stream is moved to the new sink's monitor
+// on the server; it keeps its own sample format (the server resamples), so the rate the
+// analyzer was told stays true and no rebuild is needed. Failures report the server's error
+// code as the status. Blocks arrive on the pulse thread, one at a time, in order.
+#include <pulse/pulseaudio.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/ProcessTapHost.h"
+#include "platform/linux/PulseConnection.h"
+
+namespace corvanel {
+
+class PulseCaptureHost final : public ProcessTapHost {
+  public:
+    static constexpr std::uint32_t blockFrames = 512;
+
+    PulseCaptureHost();
+    ~PulseCaptureHost() override;
+    PulseCaptureHost(const PulseCaptureHost&) = delete;
+    PulseCaptureHost& operator=(const PulseCaptureHost&) = delete;
+
+    // The monitor being recorded (it changes when the default sink does); empty without a tap.
+    std::string currentMonitor() const;
+
+    OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) override;
+    OSStatus destroyProcessTap(AudioObjectID tap) override;
+    OSStatus readTapFormat(AudioObjectID tap, AudioStreamBasicDescription& outFormat) override;
+    OSStatus readTapUID(AudioObjectID tap, std::string& outUID) override;
+    OSStatus createAggregateDevice(const DescriptionDictionary& description,
+                                   AudioObjectID& outDevice) override;
+    OSStatus destroyAggregateDevice(AudioObjectID device) override;
+    OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) override;
+    OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override;
+    OSStatus deviceStart(AudioObjectID device, IOProcID proc) override;
+    OSStatus deviceStop(AudioObjectID device, IOProcID proc) override;
+
+  private:
+    struct StreamDelete {
+        void operator()(pa_stream* stream) const;
+    };
+    struct SinkQuery;
+
+    static void onSubscription(pa_context* context, pa_subscription_event_type_t type,
+                               std::uint32_t index, void* userdata);
+    static void onServerInfoForFollow(pa_context* context, const pa_server_info* info,
+                                      void* userdata);
+    static void onSinkInfoForFollow(pa_context* context, const pa_sink_info* info, int eol,
+                                    void* userdata);
+    static void onStreamRead(pa_stream* stream, std::size_t bytes, void* userdata);
+    static void onStreamState(pa_stream* stream, void* userdata);
+
+    // With the lock held: the default sink's name, monitor and rate, or an error code.
+    int queryDefaultSink(std::string& sink, std::string& monitor, std::uint32_t& rate);
+    // With the lock held: subscribes to server changes to move along with the default sink.
+    int followDefaultSink();
+
+    std::unique_ptr<PulseConnection> connection_;
+    // Written with the connection's lock held; the pulse thread reads them under it too.
+    std::string sink_;
+    std::string monitor_;
+    std::uint32_t rate_ = 0;
+    std::unique_ptr<pa_stream, StreamDelete> stream_;
+    IOBlock block_;
+    bool procInstalled_ = false;
+};
+
+}  // namespace corvanel

@@ -1,0 +1,94 @@
+#include "platform/linux/PulseConnection.h"
+
+namespace corvanel {
+
+namespace {
+
+void onContextState(pa_context* context, void* userdata) {
+    const pa_context_state_t state = pa_context_get_state(context);
+    if (state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state))
+        pa_threaded_mainloop_signal(static_cast<pa_threaded_mainloop*>(userdata), 0);
+}
+
+// An error code for a failure that left none in the context.
+int errorOr(int code, int fallback) {
+    return code != PA_OK ? code : fallback;
+}
+
+}  // namespace
+
+void PulseConnection::LoopDelete::operator()(pa_threaded_mainloop* loop) const {
+    pa_threaded_mainloop_stop(loop);
+    pa_threaded_mainloop_free(loop);
+}
+
+void PulseConnection::ContextDelete::operator()(pa_context* context) const {
+    pa_context_set_state_callback(context, nullptr, nullptr);
+    pa_context_set_subscribe_callback(context, nullptr, nullptr);
+    pa_context_disconnect(context);
+    pa_context_unref(context);
+}
+
+std::variant<std::unique_ptr<PulseConnection>, int> PulseConnection::open(
+    const std::string& clientName) {
+    auto connection = std::make_unique<PulseConnection>(Key{});
+    connection->mainloop_.reset(pa_threaded_mainloop_new());
+    if (!connection->mainloop_) return PA_ERR_INTERNAL;
+    connection->context_.reset(pa_context_new(
+        pa_threaded_mainloop_get_api(connection->mainloop_.get()), clientName.c_str()));
+    if (!connection->context_) return PA_ERR_INTERNAL;
+    pa_context_set_state_callback(connection->context(), onContextState,
+                                  connection->mainloop_.get());
+    if (pa_threaded_mainloop_start(connection->mainloop_.get()) < 0) return PA_ERR_INTERNAL;
+
+    Lock lock(*connection);
+    if (pa_context_connect(connection->context(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+        return errorOr(connection->lastError(), PA_ERR_CONNECTIONREFUSED);
+    for (;;) {
+        const pa_context_state_t state = pa_context_get_state(connection->context());
+        if (state == PA_CONTEXT_READY) break;
+        if (!PA_CONTEXT_IS_GOOD(state))
+            return errorOr(connection->lastError(), PA_ERR_CONNECTIONTERMINATED);
+        connection->wait();
+    }
+    return connection;
+}
+
+PulseConnection::~PulseConnection() {
+    if (mainloop_) {
+        Lock lock(*this);
+        context_.reset();
+    }
+    mainloop_.reset();
+}
+
+PulseConnection::Lock::Lock(PulseConnection& connection) : mainloop_(connection.mainloop_.get()) {
+    pa_threaded_mainloop_lock(mainloop_);
+}
+
+PulseConnection::Lock::~Lock() {
+    pa_threaded_mainloop_unlock(mainloop_);
+}
+
+void PulseConnection::wait() {
+    pa_threaded_mainloop_wait(mainloop_.get());
+}
+
+void PulseConnection::signal() {
+    pa_threaded_mainloop_signal(mainloop_.get(), 0);
+}
+
+int PulseConnection::lastError() const {
+    return context_ ? errorOr(pa_context_errno(context_.get()), PA_ERR_UNKNOWN) : PA_ERR_UNKNOWN;
+}
+
+bool PulseConnection::complete(pa_operation* operation) {
+    if (operation == nullptr) return false;
+    while (pa_operation_get_state(operation) == PA_OPERATION_RUNNING)
+        wait();
+    const bool done = pa_operation_get_state(operation) == PA_OPERATION_DONE;
+    pa_operation_unref(operation);
+    return done;
+}
+
+}  // namespace corvanel

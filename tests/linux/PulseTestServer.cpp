@@ -1,0 +1,179 @@
+#include "PulseTestServer.h"
+
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fcntl.h>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+#include <variant>
+
+#include "platform/linux/PulseConnection.h"
+
+extern char** environ;
+
+namespace corvanel::testing {
+
+namespace {
+
+std::vector<std::string> environmentWith(const std::vector<std::string>& extra) {
+    std::vector<std::string> entries(extra);
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string text = *entry;
+        const std::string key = text.substr(0, text.find('=') + 1);
+        bool overridden = false;
+        for (const std::string& added : extra)
+            overridden = overridden || added.starts_with(key);
+        if (!overridden) entries.push_back(text);
+    }
+    return entries;
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (std::string& text : texts)
+        result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+}
+
+std::string readFile(const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    std::stringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+}  // namespace
+
+pid_t startProgram(const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& extraEnvironment, const std::string& logPath) {
+    std::vector<std::string> argumentTexts = arguments;
+    std::vector<std::string> environmentTexts = environmentWith(extraEnvironment);
+    std::vector<char*> argv = pointers(argumentTexts);
+    std::vector<char*> envp = pointers(environmentTexts);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logPath.c_str(),
+                                     O_WRONLY | O_CREAT | O_APPEND, 0644);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    pid_t pid = -1;
+    const int result = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
+    posix_spawn_file_actions_destroy(&actions);
+    return result == 0 ? pid : -1;
+}
+
+int runProgram(const std::vector<std::string>& arguments,
+               const std::vector<std::string>& extraEnvironment) {
+    const pid_t pid = startProgram(arguments, extraEnvironment, "/dev/null");
+    if (pid < 0) return -1;
+    int status = 0;
+    if (waitpid(pid, &status, 0) != pid) return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+PulseTestServer::PulseTestServer() {
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "corvanel-pulse-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) {
+        failure_ = "could not make a temporary directory for the PulseAudio server";
+        return;
+    }
+    directory_ = pattern;
+    std::filesystem::create_directories(directory_ / "runtime");
+    std::filesystem::permissions(directory_ / "runtime", std::filesystem::perms::owner_all);
+    std::filesystem::create_directories(directory_ / "home");
+    const std::string socket = (directory_ / "pulse.sock").string();
+    address_ = "unix:" + socket;
+
+    // -n: no default configuration, only the modules named here. Root needs no --system for a
+    // private per-test server: it only warns. No autospawn, no idle exit, no shared memory
+    // (containers often lack it), no realtime scheduling requests.
+    const std::vector<std::string> arguments = {
+        "pulseaudio",
+        "-n",
+        "--daemonize=no",
+        "--exit-idle-time=-1",
+        "--disallow-exit",
+        "--use-pid-file=no",
+        "--disable-shm=yes",
+        "--realtime=no",
+        "--high-priority=no",
+        "--log-target=stderr",
+        "-L",
+        std::string("module-null-sink sink_name=") + firstSink + " rate=48000",
+        "-L",
+        std::string("module-null-sink sink_name=") + secondSink + " rate=44100",
+        "-L",
+        std::string("module-null-source source_name=") + microphone,
+        "-L",
+        "module-native-protocol-unix auth-anonymous=1 socket=" + socket};
+    const std::string log = (directory_ / "server.log").string();
+    server_ = startProgram(arguments, clientEnvironment(), log);
+    if (server_ < 0) {
+        failure_ = "could not start pulseaudio (is it installed? scripts/bootstrap installs it)";
+        return;
+    }
+
+    if (const char* previous = std::getenv("PULSE_SERVER")) {
+        hadPreviousServer_ = true;
+        previousServer_ = previous;
+    }
+    setenv("PULSE_SERVER", address_.c_str(), 1);
+
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
+    while (std::chrono::steady_clock::now() < deadline) {
+        int status = 0;
+        if (waitpid(server_, &status, WNOHANG) == server_) {
+            server_ = -1;
+            failure_ = "pulseaudio exited while starting:\n" + readFile(log);
+            return;
+        }
+        if (std::holds_alternative<std::unique_ptr<PulseConnection>>(
+                PulseConnection::open("Corvanel test probe")))
+            return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    failure_ = "pulseaudio did not accept connections within 15 s:\n" + readFile(log);
+}
+
+PulseTestServer::~PulseTestServer() {
+    if (server_ > 0) {
+        kill(server_, SIGTERM);
+        int status = 0;
+        waitpid(server_, &status, 0);
+    }
+    if (hadPreviousServer_) {
+        setenv("PULSE_SERVER", previousServer_.c_str(), 1);
+    } else {
+        unsetenv("PULSE_SERVER");
+    }
+    std::error_code ignored;
+    if (!directory_.empty()) std::filesystem::remove_all(directory_, ignored);
+}
+
+std::vector<std::string> PulseTestServer::clientEnvironment() const {
+    return {"XDG_RUNTIME_DIR=" + (directory_ / "runtime").string(),
+            "HOME=" + (directory_ / "home").string(), "PULSE_SERVER=" + address_};
+}
+
+pid_t PulseTestServer::play(const std::filesystem::path& file, const std::string& sink) const {
+    return startProgram({"paplay", "--device=" + sink, file.string()}, clientEnvironment(),
+                        (directory_ / "paplay.log").string());
+}
+
+bool PulseTestServer::setDefaultSink(const std::string& sink) const {
+    return runProgram({"pactl", "set-default-sink", sink}, clientEnvironment()) == 0;
+}
+
+bool PulseTestServer::setDefaultSource(const std::string& source) const {
+    return runProgram({"pactl", "set-default-source", source}, clientEnvironment()) == 0;
+}
+
+}  // namespace corvanel::testing

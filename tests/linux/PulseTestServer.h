@@ -1,0 +1,52 @@
+#pragma once
+// A private PulseAudio server for one test suite: two null sinks (what applications "play"
+// into, with a monitor to record), a null source standing in for a microphone, its own runtime
+// directory and socket, started by the test and killed when it ends. PULSE_SERVER points this
+// process's clients at it.
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace corvanel::testing {
+
+// Runs a program with extra environment entries; its exit status, or -1 if it cannot start.
+int runProgram(const std::vector<std::string>& arguments,
+               const std::vector<std::string>& extraEnvironment);
+// Starts a program without waiting; its process id, or -1.
+pid_t startProgram(const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& extraEnvironment, const std::string& logPath);
+
+class PulseTestServer {
+  public:
+    static constexpr const char* firstSink = "corvanel_first";        // 48 kHz, the default
+    static constexpr const char* secondSink = "corvanel_second";      // 44.1 kHz
+    static constexpr const char* microphone = "corvanel_microphone";  // a source, not a monitor
+
+    PulseTestServer();
+    ~PulseTestServer();
+    PulseTestServer(const PulseTestServer&) = delete;
+    PulseTestServer& operator=(const PulseTestServer&) = delete;
+
+    // Empty when the server runs; otherwise why not, with its log.
+    const std::string& failure() const { return failure_; }
+    const std::string& serverAddress() const { return address_; }
+    std::vector<std::string> clientEnvironment() const;
+
+    // Plays a WAV file into `sink` (paplay) and returns at once; the process ends by itself.
+    pid_t play(const std::filesystem::path& file, const std::string& sink) const;
+    bool setDefaultSink(const std::string& sink) const;
+    bool setDefaultSource(const std::string& source) const;
+    std::filesystem::path directory() const { return directory_; }
+
+  private:
+    std::filesystem::path directory_;
+    std::string address_;
+    std::string previousServer_;
+    bool hadPreviousServer_ = false;
+    pid_t server_ = -1;
+    std::string failure_;
+};
+
+}  // namespace corvanel::testing
