@@ -1,8 +1,12 @@
 #include "app/MeterRendererFactory.h"
 
+#include "meters/BoomboxView.h"
 #include "meters/ChannelPairView.h"
+#include "meters/LEDRackComboView.h"
 #include "meters/LEDSpectrumView.h"
+#include "meters/TapeDeckMeterView.h"
 #include "meters/VUMeterView.h"
+#include "meters/YamahaClassicComboView.h"
 
 namespace corvanel {
 

@@ -22,7 +22,7 @@ QRectF uprightBar(const NeedleShape& shape) {
 
 void Needle::draw(QPainter& painter, const NeedleShape& shape, QPointF pivot, double degrees) {
     const double scale = pixelScale(painter);
-    if (shape.shadow.colour.alpha() > 0) {
+    if (shape.shadow.colour.isValid() && shape.shadow.colour.alpha() > 0) {
         // The shadow falls at a fixed offset on the face while the needle turns, so it is a
         // separately rotated, pre-blurred copy of the bar.
         if (sprite_.isNull() || !sameShape(shape, spriteShape_) || scale != spriteScale_) {

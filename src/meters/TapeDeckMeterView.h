@@ -1,0 +1,39 @@
+#pragma once
+// One channel of the cassette-deck needle meter: an amber back-lit face with a wide, shallow scale
+// whose pivot lies below the visible face, a thin black needle swinging 24 degrees either side.
+#include <QString>
+
+#include "meters/ChannelMeter.h"
+#include "meters/Needle.h"
+#include "meters/Spring.h"
+#include "meters/StaticLayer.h"
+
+namespace corvanel::meters {
+
+class TapeDeckMeterView final : public ChannelMeter {
+  public:
+    explicit TapeDeckMeterView(QString channel);
+
+    void setLevel(float level) override;
+    bool step(double dt) override;
+    void settle() override;
+    void paint(QPainter& painter, const QSizeF& size) override;
+
+    struct Dial {
+        QPointF pivot;  // in the view's coordinates
+        double radius;
+    };
+    static Dial dialFor(const QSizeF& size);
+    static double needleDirection(double level);
+
+  private:
+    void paintBackground(QPainter& painter, const QSizeF& size) const;
+
+    QString channel_;
+    Spring needleLevel_{0.32, 0.4};
+    Needle needle_;
+    StaticLayer background_{8.0};
+    StaticLayer glass_;
+};
+
+}  // namespace corvanel::meters

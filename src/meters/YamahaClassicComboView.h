@@ -1,0 +1,35 @@
+#pragma once
+// The "Yamaha Classic" style: the front of a hi-fi component, two needle meters side by side
+// above a 12-band display on a dark bevelled faceplate with a small printed legend.
+#include "meters/ChannelPairView.h"
+#include "meters/MeterRenderer.h"
+#include "meters/StaticLayer.h"
+#include "meters/YamahaTwelveBandEQView.h"
+
+namespace corvanel::meters {
+
+class YamahaClassicComboView final : public MeterRenderer {
+  public:
+    YamahaClassicComboView();
+
+    void setValues(const MeterValues& values) override;
+    bool step(double dt) override;
+    void settle() override;
+    void paint(QPainter& painter, const QSizeF& size) override;
+
+    // Where the faceplate puts its parts, in its own coordinates.
+    struct Layout {
+        QRectF meters;
+        QRectF rule;
+        QRectF spectrum;
+    };
+    static Layout layoutFor(const QSizeF& size);
+
+  private:
+    ChannelPairView meters_;
+    YamahaTwelveBandEQView spectrum_;
+    StaticLayer plate_{8.0};
+    StaticLayer legend_;
+};
+
+}  // namespace corvanel::meters

@@ -1,0 +1,134 @@
+#include "RenderOptions.h"
+
+#include <algorithm>
+#include <charconv>
+#include <functional>
+
+namespace corvanel::tool {
+
+namespace {
+
+using OptionError = std::optional<std::string>;
+
+std::optional<double> parseNumber(const std::string& text) {
+    double value = 0;
+    const char* end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || rest != end) return std::nullopt;
+    return value;
+}
+
+std::optional<std::vector<float>> parseList(const std::string& text) {
+    std::vector<float> values;
+    std::size_t start = 0;
+    while (start <= text.size() && !text.empty()) {
+        const std::size_t comma = std::min(text.find(',', start), text.size());
+        const std::optional<double> value = parseNumber(text.substr(start, comma - start));
+        if (!value) return std::nullopt;
+        values.push_back(static_cast<float>(*value));
+        start = comma + 1;
+    }
+    return values;
+}
+
+OptionError setNumber(double& target, const std::string& option, const std::string& text) {
+    const std::optional<double> value = parseNumber(text);
+    if (!value) return option + " expects a number, got \"" + text + "\"";
+    target = *value;
+    return std::nullopt;
+}
+
+OptionError setList(std::vector<float>& target, const std::string& option,
+                    const std::string& text) {
+    std::optional<std::vector<float>> values = parseList(text);
+    if (!values) return option + " expects numbers separated by commas, got \"" + text + "\"";
+    target = std::move(*values);
+    return std::nullopt;
+}
+
+OptionError setSize(RenderOptions& options, const std::string& text) {
+    const std::size_t x = text.find('x');
+    const std::optional<double> w =
+        x == std::string::npos ? std::nullopt : parseNumber(text.substr(0, x));
+    const std::optional<double> h =
+        x == std::string::npos ? std::nullopt : parseNumber(text.substr(x + 1));
+    if (!w || !h || *w <= 0 || *h <= 0)
+        return "--size expects WIDTHxHEIGHT in points, got \"" + text + "\"";
+    options.width = *w;
+    options.height = *h;
+    return std::nullopt;
+}
+
+struct OptionSpec {
+    const char* name;
+    std::function<OptionError(RenderOptions&, const std::string&)> apply;
+};
+
+// Every option takes one value; adding an option is one row here.
+const std::vector<OptionSpec>& optionTable() {
+    static const std::vector<OptionSpec> table{
+        {"--style",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             o.style = v;
+             return std::nullopt;
+         }},
+        {"--size", [](RenderOptions& o, const std::string& v) { return setSize(o, v); }},
+        {"--scale",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             if (OptionError error = setNumber(o.scale, "--scale", v)) return error;
+             if (o.scale <= 0 || o.scale > 8) return "--scale expects a number from 0 to 8";
+             return std::nullopt;
+         }},
+        {"-o",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             o.output = v;
+             return std::nullopt;
+         }},
+        {"--levels", [](RenderOptions& o,
+                        const std::string& v) { return setList(o.values.levels, "--levels", v); }},
+        {"--peaks", [](RenderOptions& o,
+                       const std::string& v) { return setList(o.values.peaks, "--peaks", v); }},
+        {"--left",
+         [](RenderOptions& o, const std::string& v) {
+             double value = 0;
+             OptionError error = setNumber(value, "--left", v);
+             o.values.left = static_cast<float>(value);
+             return error;
+         }},
+        {"--right",
+         [](RenderOptions& o, const std::string& v) {
+             double value = 0;
+             OptionError error = setNumber(value, "--right", v);
+             o.values.right = static_cast<float>(value);
+             return error;
+         }},
+        {"--label",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             o.label = v;
+             return std::nullopt;
+         }},
+        {"--gallery",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             o.gallery = v;
+             return std::nullopt;
+         }},
+    };
+    return table;
+}
+
+}  // namespace
+
+OptionError parseRenderOptions(const std::vector<std::string>& arguments, RenderOptions& options) {
+    for (std::size_t i = 0; i < arguments.size(); i += 2) {
+        const std::string& name = arguments[i];
+        const auto& table = optionTable();
+        const auto spec = std::find_if(table.begin(), table.end(),
+                                       [&](const OptionSpec& s) { return name == s.name; });
+        if (spec == table.end()) return "unknown option \"" + name + "\"";
+        if (i + 1 >= arguments.size()) return name + " needs a value";
+        if (OptionError error = spec->apply(options, arguments[i + 1])) return error;
+    }
+    return std::nullopt;
+}
+
+}  // namespace corvanel::tool

@@ -1,0 +1,27 @@
+#pragma once
+// Options of `corvanel-tool render`. Every option takes one value; each is one row of the
+// option table in RenderOptions.cpp, so a new option is one new row.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "meters/MeterValues.h"
+
+namespace corvanel::tool {
+
+struct RenderOptions {
+    std::string style = "bars";
+    double width = 500;
+    double height = 300;
+    double scale = 1;
+    std::string output;
+    meters::MeterValues values;
+    std::optional<std::string> label;
+    std::optional<std::string> gallery;
+};
+
+// Fills `options` from the arguments; the error names the offending option in plain words.
+std::optional<std::string> parseRenderOptions(const std::vector<std::string>& arguments,
+                                              RenderOptions& options);
+
+}  // namespace corvanel::tool
