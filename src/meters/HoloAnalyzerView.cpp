@@ -1,0 +1,85 @@
+#include "meters/HoloAnalyzerView.h"
+
+#include <QLinearGradient>
+#include <algorithm>
+
+#include "meters/BandPlot.h"
+#include "meters/Colors.h"
+#include "meters/ContinuousRect.h"
+#include "meters/HoloGlassPanel.h"
+#include "meters/HoloVUMeterView.h"
+#include "meters/LayerEffects.h"
+#include "meters/LevelMath.h"
+#include "meters/SystemFonts.h"
+
+namespace corvanel::meters {
+
+namespace {
+
+TextStyle labelStyle() {
+    return {systemFont(7, FontWeight::medium, FontDesign::monospaced),
+            withOpacity(systemCyan(), 0.5)};
+}
+
+}  // namespace
+
+void HoloAnalyzerView::setValues(const MeterValues& values) {
+    levels_ = values.levels;
+    peaks_ = values.peaks;
+    if (levels_.size() != layoutBands_) {
+        layoutBands_ = levels_.size();
+        background_.invalidate();
+    }
+}
+
+void HoloAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
+    drawHoloGlassPanel(painter, size);
+    if (layoutBands_ == 0) return;
+    painter.translate(canvasInset, canvasInset);
+    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
+    for (const int d : {0, -20, -40, -60}) {
+        const double y = plot.plotHeight * (1 - (d + 60) / 60.0);
+        painter.setPen(QPen(withOpacity(systemCyan(), 0.08), 1));
+        painter.drawLine(QPointF(BandPlot::margin, y), QPointF(plot.canvas.width(), y));
+        drawDecibelLabel(painter, plot, d, y, labelStyle());
+    }
+    drawFrequencyLabels(painter, plot, plot.barWidth / 2, labelStyle());
+}
+
+void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
+    background_.draw(painter, size,
+                     [this](QPainter& p, const QSizeF& s) { paintBackground(p, s); });
+    const std::size_t n = levels_.size();
+    if (n == 0) return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(canvasInset, canvasInset);
+    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
+    const double P = plot.plotHeight;
+    const QRectF area(0, 0, plot.canvas.width(), P);
+
+    drawWithGlow(painter, area, withOpacity(systemCyan(), 0.5), 4, [&](QPainter& layer) {
+        QLinearGradient neon(QPointF(0, P), QPointF(0, 0));
+        neon.setStops(HoloVUMeterView::neonGradient());
+        layer.setPen(Qt::NoPen);
+        for (std::size_t i = 0; i < n; ++i) {
+            const double b = P * clampedLevel(levels_[i]);
+            if (b <= 1) continue;
+            layer.fillPath(continuousRoundedRect(QRectF(plot.left(i), P - b, plot.barWidth, b),
+                                                 plot.barWidth / 3),
+                           neon);
+        }
+    });
+
+    drawWithGlow(painter, area, grey(1.0, 0.6), 2, [&](QPainter& layer) {
+        for (std::size_t i = 0; i < n && i < peaks_.size(); ++i) {
+            const double p = peaks_[i];
+            if (!(p > 0.04)) continue;
+            layer.fillRect(QRectF(plot.left(i), P * (1 - std::min(p, 1.0)), plot.barWidth, 1.5),
+                           grey(1.0, 0.9));
+        }
+    });
+    painter.restore();
+}
+
+}  // namespace corvanel::meters

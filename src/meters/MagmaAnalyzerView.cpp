@@ -1,0 +1,115 @@
+#include "meters/MagmaAnalyzerView.h"
+
+#include <QLinearGradient>
+#include <QPolygonF>
+#include <algorithm>
+#include <cmath>
+
+#include "meters/BandPlot.h"
+#include "meters/InfernoBackdrop.h"
+#include "meters/Lava.h"
+#include "meters/LayerEffects.h"
+#include "meters/LevelMath.h"
+#include "meters/Noise.h"
+#include "meters/SystemFonts.h"
+
+namespace corvanel::meters {
+
+namespace {
+
+TextStyle labelStyle() {
+    return {systemFont(7, FontWeight::medium, FontDesign::monospaced), Lava::ash(0.55)};
+}
+
+}  // namespace
+
+void MagmaAnalyzerView::setValues(const MeterValues& values) {
+    levels_ = values.levels;
+    peaks_ = values.peaks;
+    if (levels_.size() != layoutBands_) {
+        layoutBands_ = levels_.size();
+        background_.invalidate();
+    }
+}
+
+void MagmaAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
+    InfernoBackdrop::paint(painter, size);
+    if (layoutBands_ == 0) return;
+    painter.translate(canvasInset, canvasInset);
+    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
+    const double P = plot.plotHeight;
+    for (const int d : {-20, -40, -60}) {
+        const double g = 1.3 * (d + 60) / 60.0;
+        if (g > 1) continue;
+        const double y = P * (1 - g);
+        painter.setPen(QPen(Lava::ash(0.06), 1));
+        painter.drawLine(QPointF(BandPlot::margin, y), QPointF(plot.canvas.width(), y));
+        drawDecibelLabel(painter, plot, d, y, labelStyle());
+    }
+    drawFrequencyLabels(painter, plot, plot.barWidth / 2, labelStyle());
+}
+
+void MagmaAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
+    background_.draw(painter, size,
+                     [this](QPainter& p, const QSizeF& s) { paintBackground(p, s); });
+    const std::size_t n = levels_.size();
+    if (n == 0) return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(canvasInset, canvasInset);
+    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
+    const double P = plot.plotHeight;
+    const double W = plot.canvas.width();
+
+    double mean = 0;
+    for (const float v : levels_)
+        mean += clampedLevel(v);
+    mean /= static_cast<double>(n);
+    const QRectF floor(BandPlot::margin, P - 4, W - BandPlot::margin, 4);
+    drawWithGlow(painter, floor, Lava::orange(0.5 * mean + 0.4), 5, [&](QPainter& layer) {
+        QLinearGradient ember(floor.topLeft(), floor.bottomLeft());
+        ember.setColorAt(0.0, Lava::orange(0.5 * mean + 0.5));
+        ember.setColorAt(1.0, Lava::deep());
+        layer.fillRect(floor, ember);
+    });
+
+    drawWithGlow(painter, QRectF(0, 0, W, P), Lava::orange(0.6), 3.5, [&](QPainter& layer) {
+        QLinearGradient heat(QPointF(0, P), QPointF(0, 0));
+        heat.setColorAt(0.0, Lava::deep());
+        heat.setColorAt(1.0 / 3, Lava::red());
+        heat.setColorAt(2.0 / 3, Lava::orange());
+        heat.setColorAt(1.0, Lava::hot());
+        const double sway = std::min(plot.barWidth / 2, 2.5);
+        for (std::size_t i = 0; i < n; ++i) {
+            const double F = boostedFraction(levels_[i]);
+            const double J = P * F;
+            if (J <= 2) continue;
+            const std::int64_t key =
+                static_cast<std::int64_t>(std::trunc(20 * F)) + 31 * static_cast<std::int64_t>(i);
+            const QPointF base(plot.centre(i), P);
+            const QPointF tip(plot.centre(i) + 0.3 * plot.barWidth * noise(key, 90), P - J);
+            QPolygonF jet{base};
+            for (int j = 1; j <= 3; ++j)
+                jet << base + (tip - base) * (j / 4.0) + QPointF(sway * noise(key, j), 0);
+            jet << tip;
+            layer.setPen(
+                QPen(QBrush(heat), 1.6 * F + 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+            layer.setBrush(Qt::NoBrush);
+            layer.drawPolyline(jet);
+            layer.setPen(Qt::NoPen);
+            layer.setBrush(Lava::hot(0.6 * F + 0.4));
+            layer.drawEllipse(tip, 1.5, 1.5);
+        }
+    });
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Lava::orange(0.85));
+    for (std::size_t i = 0; i < n && i < peaks_.size(); ++i) {
+        const double p = peaks_[i];
+        if (!(p > 0.04)) continue;
+        painter.drawEllipse(QPointF(plot.centre(i), P * (1 - boostedFraction(p))), 1.25, 1.25);
+    }
+    painter.restore();
+}
+
+}  // namespace corvanel::meters

@@ -1,0 +1,98 @@
+#include "meters/StormAnalyzerView.h"
+
+#include <QLinearGradient>
+#include <QPolygonF>
+#include <algorithm>
+#include <cmath>
+
+#include "meters/BandPlot.h"
+#include "meters/LayerEffects.h"
+#include "meters/Noise.h"
+#include "meters/Storm.h"
+#include "meters/StormBackdrop.h"
+#include "meters/SystemFonts.h"
+
+namespace corvanel::meters {
+
+namespace {
+
+TextStyle labelStyle() {
+    return {systemFont(7, FontWeight::medium, FontDesign::monospaced), Storm::silver(0.55)};
+}
+
+}  // namespace
+
+void StormAnalyzerView::setValues(const MeterValues& values) {
+    levels_ = values.levels;
+    peaks_ = values.peaks;
+    if (levels_.size() != layoutBands_) {
+        layoutBands_ = levels_.size();
+        background_.invalidate();
+    }
+}
+
+void StormAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
+    StormBackdrop::paint(painter, size);
+    if (layoutBands_ == 0) return;
+    painter.translate(canvasInset, canvasInset);
+    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
+    // The plot hangs from the top: -60 dB lies on the top edge.
+    for (const int d : {-20, -40, -60}) {
+        const double y = plot.plotHeight * 1.3 * (d + 60) / 60.0;
+        painter.setPen(QPen(Storm::silver(0.06), 1));
+        painter.drawLine(QPointF(BandPlot::margin, y), QPointF(plot.canvas.width(), y));
+        drawDecibelLabel(painter, plot, d, y, labelStyle());
+    }
+    drawFrequencyLabels(painter, plot, plot.barWidth / 2, labelStyle());
+}
+
+void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
+    background_.draw(painter, size,
+                     [this](QPainter& p, const QSizeF& s) { paintBackground(p, s); });
+    const std::size_t n = levels_.size();
+    if (n == 0) return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(canvasInset, canvasInset);
+    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
+    const double P = plot.plotHeight;
+
+    drawWithGlow(painter, QRectF(0, 0, plot.canvas.width(), P), Storm::electric(0.6), 3.5,
+                 [&](QPainter& layer) {
+                     QLinearGradient charge(QPointF(0, 0), QPointF(0, P));
+                     charge.setColorAt(0.0, rgb(0.35, 0.45, 0.65, 0.85));
+                     charge.setColorAt(0.5, Storm::electric());
+                     charge.setColorAt(1.0, Qt::white);
+                     const double sway = std::min(0.8 * plot.barWidth, 5.0);
+                     layer.setBrush(Qt::NoBrush);
+                     for (std::size_t i = 0; i < n; ++i) {
+                         const double F = boostedFraction(levels_[i]);
+                         const double J = P * F;
+                         if (J <= 2) continue;
+                         const std::int64_t key = static_cast<std::int64_t>(std::trunc(20 * F)) +
+                                                  31 * static_cast<std::int64_t>(i);
+                         const double x = plot.centre(i);
+                         const double tipX = x + 0.4 * plot.barWidth * noise(key, 90);
+                         QPolygonF stroke{QPointF(x, 0)};
+                         for (int j = 1; j <= 4; ++j) {
+                             const double t = 0.2 * j;
+                             stroke << QPointF(x + (tipX - x) * t + sway * noise(key, j), J * t);
+                         }
+                         stroke << QPointF(tipX, J);
+                         layer.setPen(QPen(QBrush(charge), 1.4 * F + 1.2, Qt::SolidLine,
+                                           Qt::RoundCap, Qt::RoundJoin));
+                         layer.drawPolyline(stroke);
+                     }
+                 });
+
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(grey(1.0, 0.85));
+    for (std::size_t i = 0; i < n && i < peaks_.size(); ++i) {
+        const double p = peaks_[i];
+        if (!(p > 0.04)) continue;
+        painter.drawEllipse(QPointF(plot.centre(i), P * boostedFraction(p)), 1.25, 1.25);
+    }
+    painter.restore();
+}
+
+}  // namespace corvanel::meters

@@ -1,0 +1,13 @@
+#include "meters/ValhallaComboView.h"
+
+#include "meters/StormAnalyzerView.h"
+#include "meters/StormVUMeterView.h"
+
+namespace corvanel::meters {
+
+ValhallaComboView::ValhallaComboView()
+    : ComboView(std::make_unique<StormVUMeterView>(QStringLiteral("L")),
+                std::make_unique<StormVUMeterView>(QStringLiteral("R")),
+                std::make_unique<StormAnalyzerView>(), StormVUMeterView::aspectRatio) {}
+
+}  // namespace corvanel::meters
