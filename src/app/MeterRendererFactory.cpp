@@ -24,17 +24,32 @@ std::unique_ptr<MeterRenderer> channelPair() {
                                              pairSpacing);
 }
 
+template <typename View>
+std::unique_ptr<MeterRenderer> single() {
+    return std::make_unique<View>();
+}
+
+struct Entry {
+    PanelMeterStyle::Case style;
+    std::unique_ptr<MeterRenderer> (*make)();
+};
+
+// One row per style; a style without a row is drawn by the spectrum analyzer.
+constexpr Entry renderers[] = {
+    {PanelMeterStyle::analyzer, single<LEDSpectrumView>},
+    {PanelMeterStyle::vu, channelPair<VUMeterView>},
+    {PanelMeterStyle::boombox, single<BoomboxView>},
+    {PanelMeterStyle::tapeDeck, channelPair<TapeDeckMeterView>},
+    {PanelMeterStyle::ledRack, single<LEDRackComboView>},
+    {PanelMeterStyle::yamahaClassic, single<YamahaClassicComboView>},
+};
+
 }  // namespace
 
 std::unique_ptr<MeterRenderer> makeMeterRenderer(PanelMeterStyle style) {
-    switch (style) {
-        case PanelMeterStyle::vu:
-            return channelPair<VUMeterView>();
-        case PanelMeterStyle::analyzer:
-        default:
-            break;
-    }
-    return std::make_unique<LEDSpectrumView>();
+    for (const Entry& entry : renderers)
+        if (entry.style == style) return entry.make();
+    return single<LEDSpectrumView>();
 }
 
 std::unique_ptr<MeterRenderer> makeMeterRenderer(std::string_view rawValue) {
