@@ -44,6 +44,11 @@ void SimMusicApp::answerStateFor(int count, std::string state) {
     overriddenState_ = std::move(state);
 }
 
+void SimMusicApp::ignoreRewinds(int count) {
+    std::lock_guard lock(mutex_);
+    ignoredRewinds_ = count;
+}
+
 void SimMusicApp::setScriptObserver(std::function<void(const std::string&)> observer) {
     std::lock_guard lock(mutex_);
     observer_ = std::move(observer);
@@ -127,6 +132,10 @@ std::optional<std::string> SimMusicApp::answer(const std::string& source) {
         return std::string(text.data(), end);
     }
     if (source == MusicScripts::rewind) {
+        if (ignoredRewinds_ > 0) {
+            --ignoredRewinds_;
+            return std::string();
+        }
         position_ = 0;
         positionSince_ = executor_->monotonicNow();
         return std::string();

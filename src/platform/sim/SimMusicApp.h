@@ -35,6 +35,8 @@ class SimMusicApp final : public ScriptRunner {
     void setPosition(double seconds);
     // Replaces the answer to the player-state script for the next `count` polls (a slow pause).
     void answerStateFor(int count, std::string state);
+    // The next `count` rewinds are answered but have no effect (the app is still buffering).
+    void ignoreRewinds(int count);
     // Called after each script is recorded (for one journal shared with other simulations).
     void setScriptObserver(std::function<void(const std::string&)> observer);
 
@@ -61,6 +63,7 @@ class SimMusicApp final : public ScriptRunner {
     MonoTime positionSince_{};
     int overriddenStatePolls_ = 0;
     std::string overriddenState_;
+    int ignoredRewinds_ = 0;
     std::vector<std::string> received_;
     std::function<void(const std::string&)> observer_;
 };
