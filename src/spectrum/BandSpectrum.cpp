@@ -33,9 +33,26 @@ constexpr float windowPower = 0.375f;
 // Scales a bin of the unnormalised transform to the amplitude of a sinusoid.
 constexpr float amplitudeScale = 2.0f / static_cast<float>(BandSpectrum::fftSize);
 
+// A band's summed power. Four running sums side by side: long bands would otherwise wait on
+// one chain of additions.
+float sumOf(const float* power, const BinRange& range) {
+    std::array<float, 4> partial{};
+    std::int64_t k = range.lo;
+    for (; k + 3 <= range.hi; k += 4) {
+        partial[0] += power[k];
+        partial[1] += power[k + 1];
+        partial[2] += power[k + 2];
+        partial[3] += power[k + 3];
+    }
+    for (; k <= range.hi; ++k)
+        partial[0] += power[k];
+    return (partial[0] + partial[1]) + (partial[2] + partial[3]);
+}
+
 }  // namespace
 
 struct BandSpectrum::Plan {
+    std::array<float, fftSize / 2> binPower{};
     std::unique_ptr<float, FftwFree> samples;
     std::unique_ptr<fftwf_complex, FftwFree> bins;
     std::unique_ptr<fftwf_plan_s, PlanDestroy> forward;
@@ -68,10 +85,6 @@ std::span<float> BandSpectrum::input() {
     return {plan_->samples.get(), static_cast<std::size_t>(fftSize)};
 }
 
-void BandSpectrum::executeTransform() {
-    if (plan_) fftwf_execute(plan_->forward.get());
-}
-
 const std::array<float, BandSpectrum::fftSize>& BandSpectrum::window() {
     static const std::array<float, fftSize> hann = [] {
         std::array<float, fftSize> table{};
@@ -99,17 +112,23 @@ BandSpectrum::Targets BandSpectrum::computeTargets(double sampleRate) {
         samples[n] *= hann[static_cast<std::size_t>(n)];
     fftwf_execute(plan_->forward.get());
 
+    if (sampleRate != rangesRate_) {
+        for (std::size_t band = 0; band < ranges_.size(); ++band)
+            ranges_[band] = SpectrumScale::binRange(band, sampleRate, fftSize);
+        rangesRate_ = sampleRate;
+    }
+    // Each bin's power first, in one pass the compiler vectorises; the bands then add up
+    // spans of it (neighbours share their border bin).
     const fftwf_complex* bins = plan_->bins.get();
+    float* power = plan_->binPower.data();
+    for (std::int64_t k = 0; k < fftSize / 2; ++k) {
+        const float re = bins[k][0] * amplitudeScale;
+        const float im = bins[k][1] * amplitudeScale;
+        power[k] = re * re + im * im;
+    }
     for (std::size_t band = 0; band < targets.size(); ++band) {
-        const BinRange range = SpectrumScale::binRange(band, sampleRate, fftSize);
-        if (range.empty()) continue;
-        float power = 0.0f;
-        for (std::int64_t k = range.lo; k <= range.hi; ++k) {
-            const float re = bins[k][0] * amplitudeScale;
-            const float im = bins[k][1] * amplitudeScale;
-            power += re * re + im * im;
-        }
-        targets[band] = levelOfPower(power);
+        const BinRange& range = ranges_[band];
+        if (!range.empty()) targets[band] = levelOfPower(sumOf(power, range));
     }
     return targets;
 }

@@ -27,8 +27,6 @@ class BandSpectrum {
     std::span<float> input();
     // Windows the input in place, transforms it and returns each band's target level.
     Targets computeTargets(double sampleRate);
-    // The bare transform of whatever the input holds (for measuring the tick against it).
-    void executeTransform();
 
     // The periodic Hann window, w[n] = 0.5 (1 − cos(2πn/N)); its mean square is 3/8.
     static const std::array<float, fftSize>& window();
@@ -38,6 +36,9 @@ class BandSpectrum {
   private:
     struct Plan;
     std::unique_ptr<Plan> plan_;
+    // The bands' bin spans for the rate they were worked out for; the rate rarely changes.
+    std::array<BinRange, SpectrumScale::bandCount> ranges_{};
+    double rangesRate_ = 0;
 };
 
 }  // namespace corvanel
