@@ -32,14 +32,6 @@ TEST(FormatRate, WholeKilohertzWithoutFractionOthersWithOneDigit) {
     EXPECT_NO_THROW(formatRate(1e300));
 }
 
-TEST(FormatRate, IgnoresTheUsersLocale) {
-    const char* previous = std::setlocale(LC_NUMERIC, nullptr);
-    const std::string saved = previous ? previous : "C";
-    if (!std::setlocale(LC_NUMERIC, "de_DE.UTF-8")) GTEST_SKIP() << "no German locale";
-    EXPECT_EQ(formatRate(44100), "44.1");
-    std::setlocale(LC_NUMERIC, saved.c_str());
-}
-
 TEST(LabelRules, DepthBeatsBitRateAndMissingValuesUseDashes) {
     EXPECT_EQ(detectedText(std::nullopt), "\u2014");
     EXPECT_EQ(detectedText(detection(44100, 24, std::nullopt)), "44.1 kHz \u00B7 24-bit");
