@@ -2,9 +2,14 @@
 
 #include "meters/BoomboxView.h"
 #include "meters/ChannelPairView.h"
+#include "meters/FuturisticComboView.h"
+#include "meters/InfernoComboView.h"
 #include "meters/LEDRackComboView.h"
 #include "meters/LEDSpectrumView.h"
+#include "meters/PulsarComboView.h"
 #include "meters/TapeDeckMeterView.h"
+#include "meters/ValhallaComboView.h"
+#include "meters/VintageComboView.h"
 #include "meters/VUMeterView.h"
 #include "meters/YamahaClassicComboView.h"
 
@@ -40,6 +45,11 @@ constexpr Entry renderers[] = {
     {PanelMeterStyle::vu, channelPair<VUMeterView>},
     {PanelMeterStyle::boombox, single<BoomboxView>},
     {PanelMeterStyle::tapeDeck, channelPair<TapeDeckMeterView>},
+    {PanelMeterStyle::futuristicRack, single<FuturisticComboView>},
+    {PanelMeterStyle::vintageConsole, single<VintageComboView>},
+    {PanelMeterStyle::pulsar, single<PulsarComboView>},
+    {PanelMeterStyle::valhalla, single<ValhallaComboView>},
+    {PanelMeterStyle::inferno, single<InfernoComboView>},
     {PanelMeterStyle::ledRack, single<LEDRackComboView>},
     {PanelMeterStyle::yamahaClassic, single<YamahaClassicComboView>},
 };

@@ -11,6 +11,8 @@
 
 #include "RenderOptions.h"
 #include "ToolCommand.h"
+#include "app/CandlelightSnapshot.h"
+#include "app/CandlelightView.h"
 #include "app/MeterSnapshot.h"
 #include "meters/SpectrumBarsView.h"
 
@@ -48,8 +50,17 @@ int save(const QImage& image, const std::string& path) {
 }
 
 int run(const std::vector<std::string>& arguments) {
+    // --visualizer is the one option without a value: it draws the visualizer, not a style.
+    std::vector<std::string> valued;
+    bool visualizer = false;
+    for (const std::string& argument : arguments) {
+        if (argument == "--visualizer")
+            visualizer = true;
+        else
+            valued.push_back(argument);
+    }
     RenderOptions options;
-    if (const std::optional<std::string> error = parseRenderOptions(arguments, options)) {
+    if (const std::optional<std::string> error = parseRenderOptions(valued, options)) {
         std::fprintf(stderr, "corvanel-tool render: %s\n", error->c_str());
         return 2;
     }
@@ -65,6 +76,12 @@ int run(const std::vector<std::string>& arguments) {
             meters::SpectrumBarsView::menuBarImage(QString::fromStdString(*options.label), levels),
             options.output);
     }
+    if (visualizer)
+        return save(
+            renderCandlelightSnapshot(options.values.levels,
+                                      options.time.value_or(CandlelightView::secondsSince2001()),
+                                      {options.width, options.height}, options.scale),
+            options.output);
     return save(renderMeterSnapshot(options.style, options.values, {options.width, options.height},
                                     options.scale),
                 options.output);
@@ -73,7 +90,7 @@ int run(const std::vector<std::string>& arguments) {
 const RegisterCommand registration{{
     "render",
     "--style RAW --size WxH [--scale N] [--levels v,... --peaks v,... --left L --right R] "
-    "[--label TITLE] -o FILE.png",
+    "[--label TITLE] [--visualizer [--time T]] -o FILE.png",
     run,
 }};
 

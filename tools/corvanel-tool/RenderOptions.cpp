@@ -112,6 +112,13 @@ const std::vector<OptionSpec>& optionTable() {
              o.gallery = v;
              return std::nullopt;
          }},
+        {"--time",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             double value = 0;
+             if (OptionError error = setNumber(value, "--time", v)) return error;
+             o.time = value;
+             return std::nullopt;
+         }},
     };
     return table;
 }

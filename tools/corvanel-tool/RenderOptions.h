@@ -18,6 +18,8 @@ struct RenderOptions {
     meters::MeterValues values;
     std::optional<std::string> label;
     std::optional<std::string> gallery;
+    // The visualizer's frame time, in seconds since 2001-01-01 UTC.
+    std::optional<double> time;
 };
 
 // Fills `options` from the arguments; the error names the offending option in plain words.
