@@ -14,7 +14,12 @@ std::variant<std::unique_ptr<AudioFileSource>, std::string> AudioFileSource::ope
     const std::string& path) {
     SF_INFO info{};
     std::unique_ptr<sf_private_tag, Closer> file(sf_open(path.c_str(), SFM_READ, &info));
-    if (!file) return "Cannot read the audio file \"" + path + "\": " + sf_strerror(nullptr) + ".";
+    if (!file) {
+        std::string reason = sf_strerror(nullptr);
+        while (!reason.empty() && (reason.back() == '.' || reason.back() == ' '))
+            reason.pop_back();
+        return "Cannot read the audio file \"" + path + "\": " + reason + ".";
+    }
     if (info.frames < 1 || info.channels < 1 || info.samplerate < 1)
         return "Cannot read the audio file \"" + path + "\": it holds no audio.";
     return std::make_unique<AudioFileSource>(

@@ -1,0 +1,80 @@
+// corvanel-tool analyze FILE [--json]: the meters' values for an audio file, one line per
+// analysis tick, computed by the real analyzer as if the file were playing.
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "ToolCommand.h"
+#include "platform/sim/AudioFileSource.h"
+#include "platform/sim/OfflineSpectrum.h"
+
+namespace corvanel::tool {
+namespace {
+
+void printValues(const std::vector<float>& values, const char* separator) {
+    for (std::size_t i = 0; i < values.size(); ++i)
+        std::printf("%s%.6f", i == 0 ? "" : separator, static_cast<double>(values[i]));
+}
+
+void printText(const SpectrumSnapshot& values) {
+    std::printf("%.3f ", values.time);
+    printValues(values.levels, " ");
+    std::printf(" ");
+    printValues(values.peaks, " ");
+    std::printf(" %.6f %.6f\n", static_cast<double>(values.leftLevel),
+                static_cast<double>(values.rightLevel));
+}
+
+void printJson(const SpectrumSnapshot& values) {
+    std::printf("{\"t\":%.3f,\"levels\":[", values.time);
+    printValues(values.levels, ",");
+    std::printf("],\"peaks\":[");
+    printValues(values.peaks, ",");
+    std::printf("],\"left\":%.6f,\"right\":%.6f}\n", static_cast<double>(values.leftLevel),
+                static_cast<double>(values.rightLevel));
+}
+
+int analyze(const std::vector<std::string>& arguments) {
+    std::string path;
+    bool json = false;
+    for (const std::string& argument : arguments) {
+        if (argument == "--json") {
+            json = true;
+        } else if (path.empty() && !argument.starts_with("--")) {
+            path = argument;
+        } else {
+            std::fprintf(stderr, "corvanel-tool analyze: unexpected argument \"%s\"\n",
+                         argument.c_str());
+            return 2;
+        }
+    }
+    if (path.empty()) {
+        std::fprintf(stderr, "usage: corvanel-tool analyze FILE [--json]\n");
+        return 2;
+    }
+
+    auto opened = AudioFileSource::open(path);
+    if (const auto* error = std::get_if<std::string>(&opened)) {
+        std::fprintf(stderr, "corvanel-tool analyze: %s\n", error->c_str());
+        return 1;
+    }
+    std::shared_ptr<AudioFileSource> source =
+        std::move(std::get<std::unique_ptr<AudioFileSource>>(opened));
+    const double duration = static_cast<double>(source->frameCount()) / source->sampleRate();
+
+    OfflineSpectrum offline(source);
+    for (;;) {
+        const SpectrumSnapshot values = offline.nextTick();
+        if (values.time > duration + 1e-9) break;
+        json ? printJson(values) : printText(values);
+    }
+    return 0;
+}
+
+const RegisterCommand registration{
+    {"analyze", "FILE [--json]  meter values per 33 ms tick of an audio file", analyze}};
+
+}  // namespace
+}  // namespace corvanel::tool
