@@ -108,6 +108,8 @@ class SwitcherEngine : public std::enable_shared_from_this<SwitcherEngine> {
 
     // Applying a rate
     static Task<> applyDetection(std::shared_ptr<SwitcherEngine> self, RateDetection found);
+    static Task<> runSetRate(std::shared_ptr<SwitcherEngine> self, double rate,
+                             AudioObjectID device);
     void setRateNow(double rate, AudioObjectID device);
     void applyMaxBitDepth(AudioObjectID device);
 

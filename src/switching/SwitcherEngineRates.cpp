@@ -73,7 +73,12 @@ Task<> SwitcherEngine::applyDetection(std::shared_ptr<SwitcherEngine> self, Rate
 }
 
 Task<> SwitcherEngine::setRate(double rate, AudioObjectID device) {
-    setRateNow(rate, device);
+    return runSetRate(shared_from_this(), rate, device);
+}
+
+Task<> SwitcherEngine::runSetRate(std::shared_ptr<SwitcherEngine> self, double rate,
+                                  AudioObjectID device) {
+    self->setRateNow(rate, device);
     co_return;
 }
 

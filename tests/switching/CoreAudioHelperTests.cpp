@@ -14,27 +14,27 @@ using Operation = SimAudioHardware::Operation;
 class CoreAudioHelperTest : public ::testing::Test {
   protected:
     AudioObjectID deviceWithRates(std::vector<AudioValueRange> rates) {
-        SimAudioHardware::DeviceSpec spec;
-        spec.name = "Device";
-        spec.uid = "device-uid";
-        spec.availableRates = std::move(rates);
-        return audio->addDevice(spec);
+        SimAudioHardware::DeviceSpec setup;
+        setup.name = "Device";
+        setup.uid = "device-uid";
+        setup.availableRates = std::move(rates);
+        return audio->addDevice(setup);
     }
 
     AudioObjectID deviceWithStreams(std::vector<SimAudioHardware::StreamSpec> streams) {
-        SimAudioHardware::DeviceSpec spec;
-        spec.name = "Device";
-        spec.availableRates = {{44100, 192000}};
-        spec.outputStreams = std::move(streams);
-        return audio->addDevice(spec);
+        SimAudioHardware::DeviceSpec setup;
+        setup.name = "Device";
+        setup.availableRates = {{44100, 192000}};
+        setup.outputStreams = std::move(streams);
+        return audio->addDevice(setup);
     }
 
     static SimAudioHardware::StreamSpec stream(std::vector<AudioStreamRangedDescription> offered,
                                                std::uint32_t currentBits, double rate = 48000) {
-        SimAudioHardware::StreamSpec spec;
-        spec.availableFormats = std::move(offered);
-        spec.physicalFormat = SimAudioHardware::linearPCM(rate, currentBits).mFormat;
-        return spec;
+        SimAudioHardware::StreamSpec setup;
+        setup.availableFormats = std::move(offered);
+        setup.physicalFormat = SimAudioHardware::linearPCM(rate, currentBits).mFormat;
+        return setup;
     }
 
     std::vector<double> rates(AudioObjectID device) {

@@ -57,11 +57,16 @@ TEST(LogExport, ReadsEntriesAndReportsBadLinesByNumber) {
     EXPECT_EQ(exported.problems[3].reason, "no \"processImagePath\" text");
 }
 
-TEST(LogExport, AnUnreadableFileSaysWhy) {
-    const auto result = loadLogExport("/nonexistent/export.ndjson");
+TEST(LogExport, AnUnreadableFileSaysWhyAndAddsNothing) {
+    SimSystemLog log;
+    const auto result = log.addExport("/nonexistent/export.ndjson");
     ASSERT_TRUE(std::holds_alternative<std::string>(result));
     EXPECT_EQ(std::get<std::string>(result),
               "cannot open /nonexistent/export.ndjson: No such file or directory");
+    const auto directory = log.addExport(CORVANEL_SOURCE_DIR);
+    ASSERT_TRUE(std::holds_alternative<std::string>(directory));
+    EXPECT_EQ(std::get<std::string>(directory),
+              std::string("cannot read ") + CORVANEL_SOURCE_DIR + ": Is a directory");
 }
 
 TEST(SimSystemLogSpan, CountsBackFromTheNewestEntryOrTheClockInclusively) {
@@ -95,6 +100,14 @@ class ScanLogReportTest : public ::testing::Test {
     }
     LogExport exported;
 };
+
+TEST_F(ScanLogReportTest, AddingTheExportToALogReportsTheSameProblems) {
+    SimSystemLog log;
+    const auto added = log.addExport(samplePath);
+    ASSERT_TRUE(std::holds_alternative<std::vector<LogExportProblem>>(added));
+    EXPECT_EQ(std::get<std::vector<LogExportProblem>>(added).size(), exported.problems.size());
+    EXPECT_EQ(scanLogReport(log, 1800, false).substr(0, 22), "Found 96 kHz \u00B7 24-bit");
+}
 
 TEST_F(ScanLogReportTest, TheSampleExportHasTwoBadLinesAndTheCapabilitiesMessageWins) {
     ASSERT_EQ(exported.problems.size(), 2u);

@@ -49,8 +49,7 @@ struct SimulatedMac {
     std::shared_ptr<SimAudioHardware> audio = std::make_shared<SimAudioHardware>(executor);
     std::shared_ptr<SimProcessTapHost> taps = std::make_shared<SimProcessTapHost>(
         std::make_shared<MusicSynthesizer>(), SimProcessTapHost::Pacing::manual);
-    std::shared_ptr<SimSystemLog> log =
-        std::make_shared<SimSystemLog>([executor = executor] { return executor->wallNow(); });
+    std::shared_ptr<SimSystemLog> log = std::make_shared<SimSystemLog>(executor);
     std::shared_ptr<SimMusicApp> music = std::make_shared<SimMusicApp>(executor);
     std::shared_ptr<SimPlayerNotifications> notifications =
         std::make_shared<SimPlayerNotifications>(executor);
@@ -89,19 +88,19 @@ struct SimulatedMac {
     // `deepest`-bit linear PCM at each of them and running at 16 bits.
     AudioObjectID addDevice(const std::string& name, double rate, std::vector<double> rates,
                             std::uint32_t deepest = 24) {
-        SimAudioHardware::DeviceSpec spec;
-        spec.name = name;
-        spec.uid = name + "-uid";
-        spec.nominalRate = rate;
+        SimAudioHardware::DeviceSpec setup;
+        setup.name = name;
+        setup.uid = name + "-uid";
+        setup.nominalRate = rate;
         SimAudioHardware::StreamSpec stream;
         for (const double offered : rates) {
-            spec.availableRates.push_back({offered, offered});
+            setup.availableRates.push_back({offered, offered});
             stream.availableFormats.push_back(SimAudioHardware::linearPCM(offered, 16));
             stream.availableFormats.push_back(SimAudioHardware::linearPCM(offered, deepest));
         }
         stream.physicalFormat = SimAudioHardware::linearPCM(rate, 16).mFormat;
-        spec.outputStreams.push_back(stream);
-        return audio->addDevice(spec);
+        setup.outputStreams.push_back(stream);
+        return audio->addDevice(setup);
     }
 
     // The nominal-rate writes so far, as "<rate> on <device>".

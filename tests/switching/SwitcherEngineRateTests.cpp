@@ -154,16 +154,16 @@ TEST_F(SwitcherEngineRateTest, ADeviceWithoutRatesRefusesChanges) {
 
 TEST_F(SwitcherEngineRateTest, TheManualPathLogsEvenTheCurrentRateAndTheDepthLineComesSecond) {
     // A device whose 96 kHz format offers 32 bits, so switching there raises the depth.
-    SimAudioHardware::DeviceSpec spec;
-    spec.name = "Interface";
-    spec.nominalRate = 48000;
-    spec.availableRates = {{44100, 96000}};
+    SimAudioHardware::DeviceSpec setup;
+    setup.name = "Interface";
+    setup.nominalRate = 48000;
+    setup.availableRates = {{44100, 96000}};
     SimAudioHardware::StreamSpec stream;
     stream.availableFormats = {SimAudioHardware::linearPCM(48000, 24),
                                SimAudioHardware::linearPCM(96000, 32)};
     stream.physicalFormat = SimAudioHardware::linearPCM(48000, 24).mFormat;
-    spec.outputStreams = {stream};
-    const AudioObjectID interface = mac.audio->addDevice(spec);
+    setup.outputStreams = {stream};
+    const AudioObjectID interface = mac.audio->addDevice(setup);
     mac.audio->setDefaultOutputDevice(interface);
     const auto engine = start();
     ASSERT_EQ(engine->deviceBitDepth(), 24u);

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "ToolCommand.h"
-#include "platform/sim/LogExport.h"
 #include "platform/sim/SimSystemLog.h"
 #include "switching/ScanLogReport.h"
 
@@ -36,19 +35,16 @@ int scanLog(const std::vector<std::string>& arguments) {
         endOfLog = [time = *now] { return time; };
     }
 
-    auto loaded = loadLogExport(options.path);
-    if (const auto* error = std::get_if<std::string>(&loaded)) {
+    SimSystemLog log(endOfLog);
+    const auto added = log.addExport(options.path);
+    if (const auto* error = std::get_if<std::string>(&added)) {
         std::fprintf(stderr, "corvanel-tool scan-log: %s\n", error->c_str());
         return 1;
     }
-    LogExport& exported = std::get<LogExport>(loaded);
-    for (const LogExportProblem& problem : exported.problems) {
+    for (const LogExportProblem& problem : std::get<std::vector<LogExportProblem>>(added)) {
         std::fprintf(stderr, "corvanel-tool scan-log: warning: %s line %zu skipped: %s\n",
                      options.path.c_str(), problem.line, problem.reason.c_str());
     }
-
-    SimSystemLog log(endOfLog);
-    log.add(std::move(exported.entries));
     std::printf("%s\n", scanLogReport(log, options.seconds, options.json).c_str());
     return 0;
 }

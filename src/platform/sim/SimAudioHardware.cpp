@@ -77,17 +77,17 @@ AudioStreamRangedDescription SimAudioHardware::linearPCM(double rate, std::uint3
     return entry;
 }
 
-AudioObjectID SimAudioHardware::addDevice(DeviceSpec spec) {
+AudioObjectID SimAudioHardware::addDevice(DeviceSpec setup) {
     std::lock_guard lock(mutex_);
     const AudioObjectID id = nextObjectID_++;
     Device device;
-    for (StreamSpec& stream : spec.outputStreams) {
+    for (StreamSpec& stream : setup.outputStreams) {
         const AudioObjectID streamID = nextObjectID_++;
         device.streamIDs.push_back(streamID);
         streams_[streamID] = Stream{id, std::move(stream)};
     }
-    spec.outputStreams.clear();
-    device.spec = std::move(spec);
+    setup.outputStreams.clear();
+    device.setup = std::move(setup);
     devices_[id] = std::move(device);
     return id;
 }
@@ -130,7 +130,7 @@ void SimAudioHardware::changeNominalRateExternally(AudioObjectID device, double 
         std::lock_guard lock(mutex_);
         const auto found = devices_.find(device);
         if (found == devices_.end()) return;
-        found->second.spec.nominalRate = rate;
+        found->second.setup.nominalRate = rate;
         moveStreamsToRate(found->second, rate);
         toNotify = listenersFor(device, kAudioDevicePropertyNominalSampleRate);
     }
@@ -141,12 +141,12 @@ void SimAudioHardware::setPhysicalFormat(AudioObjectID stream,
                                          const AudioStreamBasicDescription& format) {
     std::lock_guard lock(mutex_);
     if (const auto found = streams_.find(stream); found != streams_.end())
-        found->second.spec.physicalFormat = format;
+        found->second.setup.physicalFormat = format;
 }
 
 void SimAudioHardware::moveStreamsToRate(const Device& device, double rate) {
     for (const AudioObjectID id : device.streamIDs) {
-        StreamSpec& stream = streams_[id].spec;
+        StreamSpec& stream = streams_[id].setup;
         AudioStreamBasicDescription wanted = stream.physicalFormat;
         wanted.mSampleRate = rate;
         if (offersFormat(stream.availableFormats, wanted)) {
@@ -195,7 +195,7 @@ AudioObjectID SimAudioHardware::defaultOutputDevice() const {
 double SimAudioHardware::nominalRate(AudioObjectID device) const {
     std::lock_guard lock(mutex_);
     const auto found = devices_.find(device);
-    return found == devices_.end() ? 0 : found->second.spec.nominalRate;
+    return found == devices_.end() ? 0 : found->second.setup.nominalRate;
 }
 
 std::vector<AudioObjectID> SimAudioHardware::streams(AudioObjectID device) const {
@@ -208,7 +208,7 @@ AudioStreamBasicDescription SimAudioHardware::physicalFormat(AudioObjectID strea
     std::lock_guard lock(mutex_);
     const auto found = streams_.find(stream);
     return found == streams_.end() ? AudioStreamBasicDescription{}
-                                   : found->second.spec.physicalFormat;
+                                   : found->second.setup.physicalFormat;
 }
 
 std::vector<SimAudioHardware::Write> SimAudioHardware::writes() const {
@@ -245,11 +245,11 @@ OSStatus SimAudioHardware::propertyBytes(AudioObjectID object,
         return kNoErr;
     }
     if (const auto device = devices_.find(object); device != devices_.end()) {
-        const DeviceSpec& spec = device->second.spec;
+        const DeviceSpec& setup = device->second.setup;
         if (selector == kAudioDevicePropertyNominalSampleRate) {
-            out = bytesOf(spec.nominalRate);
+            out = bytesOf(setup.nominalRate);
         } else if (selector == kAudioDevicePropertyAvailableNominalSampleRates) {
-            out = bytesOf(spec.availableRates);
+            out = bytesOf(setup.availableRates);
         } else if (selector == kAudioDevicePropertyStreams) {
             // Only output streams are simulated; other scopes have none.
             out = address.mScope == kAudioObjectPropertyScopeOutput
@@ -265,9 +265,9 @@ OSStatus SimAudioHardware::propertyBytes(AudioObjectID object,
     }
     if (const auto stream = streams_.find(object); stream != streams_.end()) {
         if (selector == kAudioStreamPropertyAvailablePhysicalFormats) {
-            out = bytesOf(stream->second.spec.availableFormats);
+            out = bytesOf(stream->second.setup.availableFormats);
         } else if (selector == kAudioStreamPropertyPhysicalFormat) {
-            out = bytesOf(stream->second.spec.physicalFormat);
+            out = bytesOf(stream->second.setup.physicalFormat);
         } else {
             return kAudioHardwareUnknownPropertyError;
         }
@@ -322,10 +322,10 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
             return kAudioHardwareIllegalOperationError;
         if (data.size() != sizeof(double)) return kAudioHardwareBadPropertySizeError;
         const double rate = valueOf<double>(data);
-        DeviceSpec& spec = device->second.spec;
-        if (!offersRate(spec.availableRates, rate)) return kAudioDeviceUnsupportedFormatError;
-        if (spec.nominalRate != rate) {
-            spec.nominalRate = rate;
+        DeviceSpec& setup = device->second.setup;
+        if (!offersRate(setup.availableRates, rate)) return kAudioDeviceUnsupportedFormatError;
+        if (setup.nominalRate != rate) {
+            setup.nominalRate = rate;
             moveStreamsToRate(device->second, rate);
             toNotify = listenersFor(object, kAudioDevicePropertyNominalSampleRate);
         }
@@ -337,9 +337,9 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
         if (data.size() != sizeof(AudioStreamBasicDescription))
             return kAudioHardwareBadPropertySizeError;
         const auto format = valueOf<AudioStreamBasicDescription>(data);
-        if (!offersFormat(stream->second.spec.availableFormats, format))
+        if (!offersFormat(stream->second.setup.availableFormats, format))
             return kAudioDeviceUnsupportedFormatError;
-        stream->second.spec.physicalFormat = format;
+        stream->second.setup.physicalFormat = format;
         return kNoErr;
     }
     if (object == kAudioObjectSystemObject) return kAudioHardwareIllegalOperationError;
@@ -377,9 +377,9 @@ OSStatus SimAudioHardware::getPropertyString(AudioObjectID object,
     const auto device = devices_.find(object);
     if (device == devices_.end()) return kAudioHardwareBadObjectError;
     if (address.mSelector == kAudioObjectPropertyName) {
-        outText = device->second.spec.name;
+        outText = device->second.setup.name;
     } else if (address.mSelector == kAudioDevicePropertyDeviceUID) {
-        outText = device->second.spec.uid;
+        outText = device->second.setup.uid;
     } else {
         return kAudioHardwareUnknownPropertyError;
     }

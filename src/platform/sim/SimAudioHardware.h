@@ -81,7 +81,7 @@ class SimAudioHardware final : public AudioHardware {
 
     // --- The world around the program ---------------------------------------------------------
     // Adds a device (not yet the default) and returns its id; its streams get ids of their own.
-    AudioObjectID addDevice(DeviceSpec spec);
+    AudioObjectID addDevice(DeviceSpec setup);
     // Unplugs a device: its listeners go, and if it was the default the first remaining device
     // (lowest id) becomes the default, or none; default-device listeners fire when it changes.
     void removeDevice(AudioObjectID device);
@@ -125,12 +125,12 @@ class SimAudioHardware final : public AudioHardware {
 
   private:
     struct Device {
-        DeviceSpec spec;
+        DeviceSpec setup;
         std::vector<AudioObjectID> streamIDs;
     };
     struct Stream {
         AudioObjectID device = 0;
-        StreamSpec spec;
+        StreamSpec setup;
     };
     struct Listener {
         AudioObjectID object;

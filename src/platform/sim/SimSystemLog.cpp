@@ -8,6 +8,12 @@ namespace corvanel {
 
 SimSystemLog::SimSystemLog(EndOfLog endOfLog) : endOfLog_(std::move(endOfLog)) {}
 
+SimSystemLog::SimSystemLog(const std::shared_ptr<MainExecutor>& executor)
+    : endOfLog_([weak = std::weak_ptr<MainExecutor>(executor)] {
+          const auto target = weak.lock();
+          return target ? target->wallNow() : WallTime::max();
+      }) {}
+
 void SimSystemLog::add(std::string process, std::string message, WallTime time) {
     std::lock_guard lock(mutex_);
     entries_.push_back({std::move(process), std::move(message), time});
@@ -17,6 +23,15 @@ void SimSystemLog::add(std::vector<LogEntry> entries) {
     std::lock_guard lock(mutex_);
     for (LogEntry& entry : entries)
         entries_.push_back(std::move(entry));
+}
+
+std::variant<std::vector<LogExportProblem>, std::string> SimSystemLog::addExport(
+    const std::string& path) {
+    auto loaded = loadLogExport(path);
+    if (auto* error = std::get_if<std::string>(&loaded)) return std::move(*error);
+    LogExport& exported = std::get<LogExport>(loaded);
+    add(std::move(exported.entries));
+    return std::move(exported.problems);
 }
 
 void SimSystemLog::failWith(std::optional<std::string> description) {

@@ -4,11 +4,14 @@
 // the given clock's time (the executor's wall clock in tests) or, without a clock, the newest
 // entry. Safe to enumerate from the background thread while the main thread adds entries.
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "platform/MainExecutor.h"
 #include "platform/SystemLog.h"
 #include "platform/sim/LogExport.h"
 
@@ -19,9 +22,14 @@ class SimSystemLog final : public SystemLog {
     using EndOfLog = std::function<WallTime()>;
 
     explicit SimSystemLog(EndOfLog endOfLog = {});
+    // The log ends at the executor's wall clock ("now" in virtual or real time).
+    explicit SimSystemLog(const std::shared_ptr<MainExecutor>& executor);
 
     void add(std::string process, std::string message, WallTime time);
     void add(std::vector<LogEntry> entries);
+    // Adds the entries of an exported log file (see LogExport.h); returns its malformed lines,
+    // or a message saying why the file could not be read (then nothing is added).
+    std::variant<std::vector<LogExportProblem>, std::string> addExport(const std::string& path);
     // While set, every enumeration fails with this localized description.
     void failWith(std::optional<std::string> description);
     // How many enumerations have been asked for (including failed ones).
