@@ -1,5 +1,6 @@
 // corvanel-tool render: draws one still frame of a meter style, or the menu-bar label, into a
 // PNG without a window.
+#include <QDir>
 #include <QGuiApplication>
 #include <QImage>
 #include <QString>
@@ -7,13 +8,16 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <variant>
 #include <vector>
 
+#include "AudioMeterValues.h"
 #include "RenderOptions.h"
 #include "ToolCommand.h"
 #include "app/CandlelightSnapshot.h"
 #include "app/CandlelightView.h"
 #include "app/MeterSnapshot.h"
+#include "app/PanelMeterStyle.h"
 #include "meters/SpectrumBarsView.h"
 
 namespace corvanel::tool {
@@ -49,26 +53,50 @@ int save(const QImage& image, const std::string& path) {
     return 0;
 }
 
-int run(const std::vector<std::string>& arguments) {
-    // --visualizer is the one option without a value: it draws the visualizer, not a style.
-    std::vector<std::string> valued;
-    bool visualizer = false;
-    for (const std::string& argument : arguments) {
-        if (argument == "--visualizer")
-            visualizer = true;
-        else
-            valued.push_back(argument);
+// The area the panel gives its meter in each height group (the window less its header rows and
+// margins), so the gallery shows the styles in their own proportions.
+QSizeF galleryArea(PanelMeterStyle style) {
+    return style.heightGroup() == PanelHeightGroup::tall ? QSizeF(460, 450) : QSizeF(460, 190);
+}
+
+int renderGallery(const std::string& directory, double scale) {
+    if (!QDir().mkpath(QString::fromStdString(directory))) {
+        std::fprintf(stderr, "corvanel-tool render: could not create %s\n", directory.c_str());
+        return 1;
     }
+    const meters::MeterValues values = galleryMeterValues();
+    int failures = 0;
+    for (const PanelMeterStyle style : PanelMeterStyle::allCases()) {
+        const std::string path = directory + "/" + std::string(style.rawValue()) + ".png";
+        failures +=
+            save(renderMeterSnapshot(style.rawValue(), values, galleryArea(style), scale), path);
+    }
+    failures +=
+        save(meters::SpectrumBarsView::menuBarImage(QStringLiteral("44.1 kHz"), values.levels),
+             directory + "/label.png");
+    return failures == 0 ? 0 : 1;
+}
+
+int run(const std::vector<std::string>& arguments) {
     RenderOptions options;
-    if (const std::optional<std::string> error = parseRenderOptions(valued, options)) {
+    if (const std::optional<std::string> error = parseRenderOptions(arguments, options)) {
         std::fprintf(stderr, "corvanel-tool render: %s\n", error->c_str());
         return 2;
     }
-    if (options.output.empty()) {
-        std::fprintf(stderr, "corvanel-tool render: -o FILE.png is required\n");
+    if (options.output.empty() && !options.gallery) {
+        std::fprintf(stderr, "corvanel-tool render: -o FILE.png (or --gallery DIR) is required\n");
         return 2;
     }
+    if (options.audio) {
+        auto values = meterValuesFromFile(*options.audio, options.at);
+        if (const auto* error = std::get_if<std::string>(&values)) {
+            std::fprintf(stderr, "corvanel-tool render: %s\n", error->c_str());
+            return 1;
+        }
+        options.values = std::move(std::get<meters::MeterValues>(values));
+    }
     const std::unique_ptr<QGuiApplication> application = makeApplication();
+    if (options.gallery) return renderGallery(*options.gallery, options.scale);
     if (options.label) {
         const std::optional<std::vector<float>> levels =
             options.values.levels.empty() ? std::nullopt : std::optional(options.values.levels);
@@ -76,12 +104,6 @@ int run(const std::vector<std::string>& arguments) {
             meters::SpectrumBarsView::menuBarImage(QString::fromStdString(*options.label), levels),
             options.output);
     }
-    if (visualizer)
-        return save(
-            renderCandlelightSnapshot(options.values.levels,
-                                      options.time.value_or(CandlelightView::secondsSince2001()),
-                                      {options.width, options.height}, options.scale),
-            options.output);
     return save(renderMeterSnapshot(options.style, options.values, {options.width, options.height},
                                     options.scale),
                 options.output);

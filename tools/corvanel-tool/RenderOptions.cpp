@@ -107,6 +107,17 @@ const std::vector<OptionSpec>& optionTable() {
              o.label = v;
              return std::nullopt;
          }},
+        {"--audio",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             o.audio = v;
+             return std::nullopt;
+         }},
+        {"--at",
+         [](RenderOptions& o, const std::string& v) -> OptionError {
+             if (OptionError error = setNumber(o.at, "--at", v)) return error;
+             if (o.at < 0) return "--at expects seconds from the start of the file";
+             return std::nullopt;
+         }},
         {"--gallery",
          [](RenderOptions& o, const std::string& v) -> OptionError {
              o.gallery = v;

@@ -18,6 +18,8 @@ struct RenderOptions {
     meters::MeterValues values;
     std::optional<std::string> label;
     std::optional<std::string> gallery;
+    std::optional<std::string> audio;  // values from this file instead of --levels etc.
+    double at = 0;                     // seconds into --audio
     // The visualizer's frame time, in seconds since 2001-01-01 UTC.
     std::optional<double> time;
 };
