@@ -1,0 +1,55 @@
+#include "app/AppOptions.h"
+
+#include <QCommandLineParser>
+
+namespace corvanel {
+
+std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        "Keeps the output device at the playing track's sample rate and shows live meters.");
+    parser.addHelpOption();
+    const QCommandLineOption demo("demo", "Run with a simulated Music app and DAC.");
+    const QCommandLineOption headless(
+        "headless", "Run the demo without windows for --duration seconds, printing the activity.");
+    const QCommandLineOption duration("duration", "Seconds a headless run lasts (default 20).",
+                                      "seconds", "20");
+    const QCommandLineOption snapshots("snapshots", "Write PNG snapshots into this folder.",
+                                       "folder");
+    const QCommandLineOption audio("audio", "Play this audio file into the meters (demo).", "file");
+    const QCommandLineOption capture(
+        "capture", "Where the meters' audio comes from: synth (default) or pulse.", "source",
+        "synth");
+    const QCommandLineOption settings("settings", "Keep settings in this file.", "file");
+    parser.addOptions({demo, headless, duration, snapshots, audio, capture, settings});
+    if (!parser.parse(arguments)) return parser.errorText();
+    if (parser.isSet("help")) return parser.helpText();
+    if (!parser.positionalArguments().isEmpty())
+        return "Unknown argument: " + parser.positionalArguments().first();
+
+    AppOptions options;
+    options.demo = parser.isSet(demo);
+    options.headless = parser.isSet(headless);
+    bool valid = false;
+    options.durationSeconds = parser.value(duration).toDouble(&valid);
+    if (!valid || options.durationSeconds <= 0)
+        return "--duration needs a positive number of seconds, not \"" + parser.value(duration) +
+               "\"";
+    if (parser.isSet(snapshots)) options.snapshotDirectory = parser.value(snapshots);
+    if (parser.isSet(settings)) options.settingsFile = parser.value(settings);
+    const QString source = parser.value(capture);
+    if (source == "pulse") {
+        options.audio = AudioSourceChoice::pulse;
+    } else if (source != "synth") {
+        return "--capture takes synth or pulse, not \"" + source + "\"";
+    }
+    if (parser.isSet(audio)) {
+        if (options.audio == AudioSourceChoice::pulse)
+            return "--audio and --capture pulse cannot be used together";
+        options.audio = AudioSourceChoice::file;
+        options.audioFile = parser.value(audio);
+    }
+    return options;
+}
+
+}  // namespace corvanel

@@ -1,0 +1,27 @@
+#pragma once
+// The command line: demo mode and where its audio comes from, the headless run, a settings file.
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <variant>
+
+namespace corvanel {
+
+enum class AudioSourceChoice { synthesizer, file, pulse };
+
+struct AppOptions {
+    // Simulated Music app and DAC. Always on where there is no Music app to follow.
+    bool demo = false;
+    bool headless = false;
+    double durationSeconds = 20;
+    std::optional<QString> snapshotDirectory;
+    AudioSourceChoice audio = AudioSourceChoice::synthesizer;
+    QString audioFile;
+    // A typed settings file in place of the user's standard store.
+    std::optional<QString> settingsFile;
+};
+
+// The options, or the message saying what is wrong with the command line.
+std::variant<AppOptions, QString> parseOptions(const QStringList& arguments);
+
+}  // namespace corvanel

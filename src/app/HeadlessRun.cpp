@@ -1,0 +1,37 @@
+#include "app/HeadlessRun.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+#include <cstdio>
+
+#include "app/ActivityPrinter.h"
+#include "app/MyApp.h"
+#include "app/Snapshots.h"
+
+namespace corvanel {
+
+HeadlessRun::HeadlessRun(MyApp& app, double durationSeconds, std::optional<QDir> snapshots)
+    : app_(app),
+      snapshots_(std::move(snapshots)),
+      printer_(std::make_unique<ActivityPrinter>(app.environment().engine, stdout)) {
+    QTimer::singleShot(int(durationSeconds * 1000), [this] { finish(); });
+}
+
+HeadlessRun::~HeadlessRun() = default;
+
+void HeadlessRun::finish() {
+    if (!snapshots_) {
+        QCoreApplication::quit();
+        return;
+    }
+    writeSnapshots(app_, *snapshots_, [](const QStringList& written, const QStringList& problems) {
+        for (const QString& path : written)
+            std::printf("Snapshot: %s\n", qPrintable(path));
+        for (const QString& problem : problems)
+            std::fprintf(stderr, "%s\n", qPrintable(problem));
+        std::fflush(stdout);
+        QCoreApplication::exit(problems.isEmpty() ? 0 : 1);
+    });
+}
+
+}  // namespace corvanel

@@ -1,0 +1,113 @@
+#include "app/MyApp.h"
+
+#include <QApplication>
+#include <QCursor>
+
+#include "app/CandlelightView.h"
+#include "app/ContentView.h"
+#include "app/MenuBarLabel.h"
+#include "app/PanelView.h"
+#include "app/PopupWindow.h"
+#include "app/TrayStatusItem.h"
+#include "platform/sim/DemoPlayer.h"
+#include "switching/SwitcherEngine.h"
+
+namespace corvanel {
+namespace {
+
+constexpr QSize panelSize{500, 300};
+constexpr QSize visualizerSize{960, 600};
+constexpr Seconds demoStartDelay{1.0};
+
+}  // namespace
+
+MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
+    const PlatformPorts& ports = composition_.ports;
+    ports.workspace->askOlderCopiesToQuit();
+#if defined(Q_OS_MACOS)
+    ports.settings->write(statusItemPositionKey, leftmostPosition);
+#endif
+
+    environment_.engine = SwitcherEngine::create(ports);
+    environment_.executor = ports.executor;
+    environment_.settings = ports.settings;
+    environment_.workspace = ports.workspace;
+    environment_.windows = std::make_shared<WindowList>();
+    environment_.openWindow = [this](const QString& identifier) { openWindow(identifier); };
+    environment_.quit = [] { QCoreApplication::quit(); };
+    environment_.pointerPosition = [] { return QCursor::pos(); };
+
+    popup_ = std::make_unique<PopupWindow>();
+    content_ = new ContentView(environment_, popup_.get());
+    popup_->setContent(content_);
+
+    StatusItemChoice choice = composition_.makeStatusItem();
+    statusItem_ = std::move(choice.item);
+    labelInterval_ = choice.labelInterval;
+    statusItem_->onActivated = [this] { popup_->toggle(statusItem_->geometry()); };
+    label_ = std::make_unique<MenuBarLabel>(environment_.engine, *statusItem_, ports.executor,
+                                            labelInterval_);
+    if (auto* tray = dynamic_cast<TrayStatusItem*>(statusItem_.get()))
+        label_->onDelivered = [tray](const QString& title) { tray->setToolTip(title); };
+}
+
+MyApp::~MyApp() {
+    // Windows go first: their views still talk to the engine as they close.
+    for (AppWindow* window : environment_.windows->openWindows())
+        window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+void MyApp::start() {
+    statusItem_->setInserted(true);
+    reinsertStatusItemLater();
+    if (composition_.demo) composition_.demo->start(demoStartDelay);
+}
+
+void MyApp::reinsertStatusItemLater() {
+#if defined(Q_OS_MACOS)
+    // The status bar places a re-inserted item by the stored position: leftmost. Once per run.
+    auto settings = composition_.ports.settings;
+    auto executor = composition_.ports.executor;
+    StatusItem* item = statusItem_.get();
+    QPointer<MyApp> self(this);
+    executor->postAfter(std::chrono::seconds(12), [self, settings, executor, item] {
+        if (!self) return;
+        settings->write(statusItemPositionKey, leftmostPosition);
+        item->setInserted(false);
+        executor->postAfter(std::chrono::milliseconds(400), [self, item] {
+            if (self) item->setInserted(true);
+        });
+    });
+#endif
+}
+
+AppWindow* MyApp::openWindow(const QString& identifier) {
+    AppWindow* window = environment_.windows->withIdentifier(identifier);
+    if (!window) {
+        if (identifier == "panel") window = makePanelWindow();
+        if (identifier == "visualizer") window = makeVisualizerWindow();
+        if (!window) return nullptr;
+        environment_.windows->add(window);
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
+    return window;
+}
+
+AppWindow* MyApp::makePanelWindow() {
+    auto window = new AppWindow("panel", "Corvanel", panelSize, composition_.windowChrome);
+    window->chrome().setFloating(readBool(*environment_.settings, PanelView::alwaysOnTopKey, true));
+    window->setContent(new PanelView(environment_, window));
+    return window;
+}
+
+AppWindow* MyApp::makeVisualizerWindow() {
+    auto window =
+        new AppWindow("visualizer", "Candlelight", visualizerSize, composition_.windowChrome);
+    window->setContent(new CandlelightView(environment_.engine, window));
+    return window;
+}
+
+}  // namespace corvanel

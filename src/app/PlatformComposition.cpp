@@ -1,0 +1,120 @@
+#include "app/PlatformComposition.h"
+
+#include <QSystemTrayIcon>
+
+#include "app/FramelessWindowChrome.h"
+#include "app/TrayStatusItem.h"
+#include "app/WindowStatusItem.h"
+#include "platform/qt/QtMainExecutor.h"
+#include "platform/qt/QtSettingsStore.h"
+#include "platform/qt/QtTimeOfDay.h"
+#include "platform/sim/AudioFileSource.h"
+#include "platform/sim/DemoDac.h"
+#include "platform/sim/DemoPlayer.h"
+#include "platform/sim/MusicSynthesizer.h"
+#include "platform/sim/SimAudioHardware.h"
+#include "platform/sim/SimLoginItems.h"
+#include "platform/sim/SimProcessTapHost.h"
+#if defined(__linux__)
+#include "platform/linux/PulseCaptureHost.h"
+#endif
+#if defined(__APPLE__)
+#include <QGuiApplication>
+
+#include "app/mac/MacStatusItem.h"
+#include "app/mac/MacWindowChrome.h"
+#include "platform/mac/MacPlatformPorts.h"
+#endif
+
+namespace corvanel {
+namespace {
+
+StatusItemChoice makeDesktopStatusItem() {
+    if (QSystemTrayIcon::isSystemTrayAvailable())
+        return {std::make_unique<TrayStatusItem>(), Seconds{1.0 / trayLabelsPerSecond}};
+    // Without a tray (no StatusNotifierItem host, the offscreen platform) a small window of
+    // our own carries the label, so the application is never invisible.
+    return {std::make_unique<WindowStatusItem>(), Seconds{0}};
+}
+
+std::variant<std::shared_ptr<ProcessTapHost>, std::string> demoTaps(const AppOptions& options) {
+    switch (options.audio) {
+        case AudioSourceChoice::pulse:
+#if defined(__linux__)
+            return std::make_shared<PulseCaptureHost>();
+#else
+            return std::string("--capture pulse is only available on Linux");
+#endif
+        case AudioSourceChoice::file: {
+            auto opened = AudioFileSource::open(options.audioFile.toStdString());
+            if (auto* message = std::get_if<std::string>(&opened)) return *message;
+            std::shared_ptr<AudioSource> file =
+                std::move(std::get<std::unique_ptr<AudioFileSource>>(opened));
+            return std::make_shared<SimProcessTapHost>(std::move(file));
+        }
+        case AudioSourceChoice::synthesizer:
+            break;
+    }
+    return std::make_shared<SimProcessTapHost>(std::make_shared<MusicSynthesizer>());
+}
+
+}  // namespace
+
+bool hasNativePlatform() {
+#if defined(__APPLE__)
+    return true;
+#else
+    return false;
+#endif
+}
+
+std::variant<Composition, std::string> composePlatform(const AppOptions& options,
+                                                       LocalWorkspace::Actions workspaceActions) {
+    auto taps = demoTaps(options);
+    if (auto* message = std::get_if<std::string>(&taps)) return *message;
+
+    Composition composition;
+    PlatformPorts& ports = composition.ports;
+    auto executor = std::make_shared<QtMainExecutor>();
+    ports.executor = executor;
+    ports.settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
+                                          : std::make_shared<QtSettingsStore>();
+    ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultServerName(),
+                                                       std::move(workspaceActions));
+    ports.timeOfDay = systemTimeOfDay;
+    composition.windowChrome = FramelessWindowChrome::factory();
+    composition.makeStatusItem = makeDesktopStatusItem;
+#if defined(__APPLE__)
+    // macOS: the native status item and window chrome wherever AppKit shows the windows (not on
+    // the offscreen platform of headless runs), in the demo too; outside the demo the real
+    // hardware, Music app, log and workspace.
+    if (QGuiApplication::platformName() == QStringLiteral("cocoa")) {
+        composition.windowChrome = MacWindowChrome::factory();
+        composition.makeStatusItem = [] {
+            return StatusItemChoice{std::make_unique<MacStatusItem>(), Seconds{0}};
+        };
+    }
+    if (!options.demo) {
+        composition.ports = makeMacPlatformPorts(executor, ports.settings, ports.timeOfDay);
+        return composition;
+    }
+#endif
+
+    // Demo mode: the simulated Mac.
+    auto hardware = std::make_shared<SimAudioHardware>(executor);
+    installDemoDac(*hardware);
+    auto log = std::make_shared<SimSystemLog>([executor] { return executor->wallNow(); });
+    auto music = std::make_shared<SimMusicApp>(executor);
+    auto notifications = std::make_shared<SimPlayerNotifications>(executor);
+    ports.audio = hardware;
+    ports.taps = std::move(std::get<std::shared_ptr<ProcessTapHost>>(taps));
+    ports.systemLog = log;
+    ports.scripts = music;
+    ports.notifications = notifications;
+    ports.loginItems = std::make_shared<SimLoginItems>();
+    composition.demo = DemoPlayer::create({executor, music, log, notifications},
+                                          demoPlaylist(Seconds{demoTrackSeconds}));
+    return composition;
+}
+
+}  // namespace corvanel

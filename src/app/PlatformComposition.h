@@ -1,0 +1,48 @@
+#pragma once
+// The one place that decides which adapters a run uses: the simulated Mac of demo mode (the
+// only choice where there is no Music app to follow), or a platform's native adapters. The
+// shell's own platform pieces, the status item and the window chrome, are chosen here too.
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+
+#include "app/AppOptions.h"
+#include "app/StatusItem.h"
+#include "app/WindowChrome.h"
+#include "platform/PlatformPorts.h"
+#include "platform/qt/LocalWorkspace.h"
+
+namespace corvanel {
+
+class DemoPlayer;
+
+// The status item and how often its label may change: a tray in another process cannot take
+// the analyzer's 30 images a second, a window of our own can.
+struct StatusItemChoice {
+    std::unique_ptr<StatusItem> item;
+    Seconds labelInterval{0};
+};
+
+struct Composition {
+    PlatformPorts ports;
+    WindowChromeFactory windowChrome;
+    std::function<StatusItemChoice()> makeStatusItem;
+    // Demo mode's Music app at work; absent otherwise.
+    std::shared_ptr<DemoPlayer> demo;
+};
+
+// Demo mode's tracks last this long (the playlist repeats).
+inline constexpr double demoTrackSeconds = 14;
+// At most this many label images a second reach a StatusNotifierItem tray.
+inline constexpr double trayLabelsPerSecond = 10;
+
+// The composition, or the message that says why it cannot be built (an unreadable audio file).
+std::variant<Composition, std::string> composePlatform(const AppOptions& options,
+                                                       LocalWorkspace::Actions workspaceActions);
+
+// Whether this platform has native adapters for the Music app and the hardware; without them
+// every run is a demo.
+bool hasNativePlatform();
+
+}  // namespace corvanel
