@@ -78,10 +78,19 @@ class PulseCaptureTest : public ::testing::Test {
 
     // Lets real time pass while the analysis ticks along on the virtual clock.
     void runFor(double seconds) const {
-        const int ticks = static_cast<int>(seconds / SpectrumAnalyzer::tickInterval.count());
-        for (int i = 0; i < ticks; ++i) {
+        runUntil([] { return false; }, seconds);
+    }
+
+    // Ticks until `settled` holds for a second in a row (a loaded machine may start the player
+    // late), or `limit` seconds have passed.
+    template <typename Condition>
+    void runUntil(Condition settled, double limit) const {
+        const int ticks = static_cast<int>(limit / SpectrumAnalyzer::tickInterval.count());
+        int settledTicks = 0;
+        for (int i = 0; i < ticks && settledTicks < 30; ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(33));
             executor->advanceBy(SpectrumAnalyzer::tickInterval);
+            settledTicks = settled() ? settledTicks + 1 : 0;
         }
     }
 
@@ -106,7 +115,7 @@ class PulseCaptureTest : public ::testing::Test {
 };
 
 TEST_F(PulseCaptureTest, AToneInTheDefaultSinkShowsInItsBand) {
-    const auto tone = writeTone(server->directory(), 2000, 48000, 6);
+    const auto tone = writeTone(server->directory(), 2000, 48000, 12);
     const auto analyzer = SpectrumAnalyzer::create(ports);
     executor->runUntilIdle();
     ASSERT_FALSE(analyzer->statusMessage().has_value()) << *analyzer->statusMessage();
@@ -116,7 +125,7 @@ TEST_F(PulseCaptureTest, AToneInTheDefaultSinkShowsInItsBand) {
 
     const pid_t player = server->play(tone, PulseTestServer::firstSink);
     ASSERT_GT(player, 0);
-    runFor(2.0);
+    runUntil([&] { return analyzer->levels()[bandOf(2000)] > 0.7f; }, 10.0);
     finish(player);
 
     EXPECT_EQ(loudestBand(*analyzer), bandOf(2000));
@@ -131,7 +140,7 @@ TEST_F(PulseCaptureTest, AToneInTheDefaultSinkShowsInItsBand) {
 }
 
 TEST_F(PulseCaptureTest, CaptureMovesWithTheDefaultSink) {
-    const auto tone = writeTone(server->directory(), 3000, 44100, 6);
+    const auto tone = writeTone(server->directory(), 3000, 44100, 12);
     const auto analyzer = SpectrumAnalyzer::create(ports);
     executor->runUntilIdle();
     ASSERT_TRUE(analyzer->isCapturing());
@@ -139,7 +148,7 @@ TEST_F(PulseCaptureTest, CaptureMovesWithTheDefaultSink) {
     ASSERT_TRUE(server->setDefaultSink(PulseTestServer::secondSink));
     const pid_t player = server->play(tone, PulseTestServer::secondSink);
     ASSERT_GT(player, 0);
-    runFor(2.5);
+    runUntil([&] { return analyzer->levels()[bandOf(3000)] > 0.7f; }, 10.0);
     finish(player);
 
     EXPECT_EQ(host->currentMonitor(), std::string(PulseTestServer::secondSink) + ".monitor");
