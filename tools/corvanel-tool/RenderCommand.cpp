@@ -55,6 +55,9 @@ int save(const QImage& image, const std::string& path) {
 
 // The area the panel gives its meter in each height group (the window less its header rows and
 // margins), so the gallery shows the styles in their own proportions.
+// Seconds since 2001-01-01 UTC of the gallery's visualizer frame.
+constexpr double galleryVisualizerTime = 785'000'000.25;
+
 QSizeF galleryArea(PanelMeterStyle style) {
     return style.heightGroup() == PanelHeightGroup::tall ? QSizeF(460, 450) : QSizeF(460, 190);
 }
@@ -74,12 +77,25 @@ int renderGallery(const std::string& directory, double scale) {
     failures +=
         save(meters::SpectrumBarsView::menuBarImage(QStringLiteral("44.1 kHz"), values.levels),
              directory + "/label.png");
+    // The visualizer at its window's size, at a fixed moment so the picture is reproducible.
+    failures += save(
+        renderCandlelightSnapshot(values.levels, galleryVisualizerTime, QSizeF(960, 600), scale),
+        directory + "/candlelight.png");
     return failures == 0 ? 0 : 1;
 }
 
 int run(const std::vector<std::string>& arguments) {
+    // --visualizer is the one option without a value: it draws the visualizer, not a style.
+    std::vector<std::string> valued;
+    bool visualizer = false;
+    for (const std::string& argument : arguments) {
+        if (argument == "--visualizer")
+            visualizer = true;
+        else
+            valued.push_back(argument);
+    }
     RenderOptions options;
-    if (const std::optional<std::string> error = parseRenderOptions(arguments, options)) {
+    if (const std::optional<std::string> error = parseRenderOptions(valued, options)) {
         std::fprintf(stderr, "corvanel-tool render: %s\n", error->c_str());
         return 2;
     }
@@ -104,6 +120,12 @@ int run(const std::vector<std::string>& arguments) {
             meters::SpectrumBarsView::menuBarImage(QString::fromStdString(*options.label), levels),
             options.output);
     }
+    if (visualizer)
+        return save(
+            renderCandlelightSnapshot(options.values.levels,
+                                      options.time.value_or(CandlelightView::secondsSince2001()),
+                                      {options.width, options.height}, options.scale),
+            options.output);
     return save(renderMeterSnapshot(options.style, options.values, {options.width, options.height},
                                     options.scale),
                 options.output);
