@@ -28,46 +28,77 @@ std::array<int, 3> boxRadiiFor(double sigma) {
     return radii;
 }
 
-// One running-sum box pass over `count` samples of `channels` interleaved channels, reading with
-// `stride` between samples. Edges are treated as transparent, like a layer's outside.
-void boxPass(std::uint8_t* data, int count, int stride, int channels, int radius,
-             std::vector<std::uint32_t>& scratch) {
-    if (radius <= 0 || count <= 0) return;
-    scratch.resize(static_cast<std::size_t>(count) * static_cast<std::size_t>(channels));
-    const std::uint32_t window = static_cast<std::uint32_t>(2 * radius + 1);
-    for (int c = 0; c < channels; ++c) {
-        std::uint32_t sum = 0;
-        for (int i = 0; i <= std::min(radius, count - 1); ++i)
-            sum += data[static_cast<std::ptrdiff_t>(i) * stride + c];
-        for (int i = 0; i < count; ++i) {
-            scratch[static_cast<std::size_t>(i * channels + c)] = (sum + window / 2) / window;
-            const int entering = i + radius + 1;
-            const int leaving = i - radius;
-            if (entering < count) sum += data[static_cast<std::ptrdiff_t>(entering) * stride + c];
-            if (leaving >= 0) sum -= data[static_cast<std::ptrdiff_t>(leaving) * stride + c];
+// Running-sum box passes between two buffers of `width` x `height` samples of `channels`
+// interleaved channels, `line` bytes per row. Outside the image counts as transparent, like a
+// layer's surroundings. The vertical pass keeps one running sum per column and walks the rows,
+// so it reads memory in order.
+struct BoxBlur {
+    int width;
+    int height;
+    int channels;
+    std::ptrdiff_t line;
+    std::vector<std::uint32_t> sums;
+
+    static std::uint64_t reciprocal(int radius) {
+        return (std::uint64_t{1} << 32) / static_cast<std::uint64_t>(2 * radius + 1);
+    }
+    static std::uint8_t average(std::uint32_t sum, std::uint64_t reciprocal) {
+        return static_cast<std::uint8_t>((sum * reciprocal + (std::uint64_t{1} << 31)) >> 32);
+    }
+
+    void horizontal(const std::uint8_t* source, std::uint8_t* target, int radius) {
+        const std::uint64_t r = reciprocal(radius);
+        for (int y = 0; y < height; ++y) {
+            const std::uint8_t* in = source + y * line;
+            std::uint8_t* out = target + y * line;
+            for (int c = 0; c < channels; ++c) {
+                std::uint32_t sum = 0;
+                for (int x = 0; x <= std::min(radius, width - 1); ++x)
+                    sum += in[x * channels + c];
+                for (int x = 0; x < width; ++x) {
+                    out[x * channels + c] = average(sum, r);
+                    const int entering = x + radius + 1;
+                    const int leaving = x - radius;
+                    if (entering < width) sum += in[entering * channels + c];
+                    if (leaving >= 0) sum -= in[leaving * channels + c];
+                }
+            }
         }
     }
-    for (int i = 0; i < count; ++i)
-        for (int c = 0; c < channels; ++c)
-            data[static_cast<std::ptrdiff_t>(i) * stride + c] =
-                static_cast<std::uint8_t>(scratch[static_cast<std::size_t>(i * channels + c)]);
-}
+
+    void vertical(const std::uint8_t* source, std::uint8_t* target, int radius) {
+        const std::uint64_t r = reciprocal(radius);
+        const int rowSamples = width * channels;
+        sums.assign(static_cast<std::size_t>(rowSamples), 0);
+        for (int y = 0; y <= std::min(radius, height - 1); ++y)
+            for (int i = 0; i < rowSamples; ++i)
+                sums[static_cast<std::size_t>(i)] += source[y * line + i];
+        for (int y = 0; y < height; ++y) {
+            std::uint8_t* out = target + y * line;
+            const int entering = y + radius + 1;
+            const int leaving = y - radius;
+            const std::uint8_t* incoming = entering < height ? source + entering * line : nullptr;
+            const std::uint8_t* outgoing = leaving >= 0 ? source + leaving * line : nullptr;
+            for (int i = 0; i < rowSamples; ++i) {
+                std::uint32_t& sum = sums[static_cast<std::size_t>(i)];
+                out[i] = average(sum, r);
+                if (incoming) sum += incoming[i];
+                if (outgoing) sum -= outgoing[i];
+            }
+        }
+    }
+};
 
 void blurChannels(QImage& image, int channels, double sigma) {
     if (!(sigma > 0.2) || image.isNull()) return;
     const std::array<int, 3> radii = boxRadiiFor(sigma);
-    std::vector<std::uint32_t> scratch;
-    const int width = image.width();
-    const int height = image.height();
-    const int line = static_cast<int>(image.bytesPerLine());
+    BoxBlur blur{image.width(), image.height(), channels, image.bytesPerLine(), {}};
+    std::vector<std::uint8_t> spare(static_cast<std::size_t>(image.sizeInBytes()));
     std::uint8_t* bits = image.bits();
     for (const int radius : radii) {
-        for (int y = 0; y < height; ++y)
-            boxPass(bits + static_cast<std::ptrdiff_t>(y) * line, width, channels, channels, radius,
-                    scratch);
-        for (int x = 0; x < width; ++x)
-            boxPass(bits + static_cast<std::ptrdiff_t>(x) * channels, height, line, channels,
-                    radius, scratch);
+        if (radius <= 0) continue;
+        blur.horizontal(bits, spare.data(), radius);
+        blur.vertical(spare.data(), bits, radius);
     }
 }
 
@@ -104,6 +135,15 @@ double pixelScale(const QPainter& painter) {
 
 QImage shadowImage(const QImage& layer, const QColor& colour, double sigma) {
     QImage alpha = layer.convertToFormat(QImage::Format_Alpha8);
+    // A wide blur loses nothing at half resolution and costs a quarter; the caller draws the
+    // result stretched over the layer's area.
+    if (sigma >= 3.0 && alpha.width() > 8 && alpha.height() > 8) {
+        alpha = alpha
+                    .scaled(alpha.width() / 2, alpha.height() / 2, Qt::IgnoreAspectRatio,
+                            Qt::SmoothTransformation)
+                    .convertToFormat(QImage::Format_Alpha8);
+        sigma /= 2.0;
+    }
     blurAlpha(alpha, sigma);
     QImage shadow(alpha.size(), QImage::Format_ARGB32_Premultiplied);
     const std::uint32_t r = static_cast<std::uint32_t>(colour.red());
@@ -138,7 +178,10 @@ void drawWithShadow(QPainter& painter, const QRectF& bounds, const Shadow& shado
     const Offscreen layer = renderLayer(painter, bounds, margin, content);
     const double sigma = shadow.radius / 2.0 * pixelScale(painter);
     const QImage cast = shadowImage(layer.image, shadow.colour, sigma);
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(layer.area.translated(shadow.offset), cast);
+    painter.restore();
     painter.drawImage(layer.area, layer.image);
 }
 
@@ -150,8 +193,18 @@ void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour,
 void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
                  const LayerContent& content) {
     Offscreen layer = renderLayer(painter, bounds, radius * 1.5 + 1.0, content);
-    blurImage(layer.image, radius / 2.0 * pixelScale(painter));
+    double sigma = radius / 2.0 * pixelScale(painter);
+    // As for shadows: a wide blur is done at half resolution and stretched back.
+    if (sigma >= 3.0 && layer.image.width() > 8 && layer.image.height() > 8) {
+        layer.image = layer.image.scaled(layer.image.width() / 2, layer.image.height() / 2,
+                                         Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        sigma /= 2.0;
+    }
+    blurImage(layer.image, sigma);
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(layer.area, layer.image);
+    painter.restore();
 }
 
 }  // namespace corvanel::meters
