@@ -56,9 +56,23 @@ void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
     painter.translate(canvasInset, canvasInset);
     const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
     const double P = plot.plotHeight;
-    const QRectF area(0, 0, plot.canvas.width(), P);
+    const double W = plot.canvas.width();
+    // Each glow layer covers only the height its shapes reach.
+    double tallest = 0;
+    for (const float v : levels_)
+        tallest = std::max(tallest, clampedLevel(v));
+    const QRectF bars(0, P * (1 - tallest), W, P * tallest);
+    double highestCap = 1;
+    double lowestCap = 0;
+    for (std::size_t i = 0; i < n && i < peaks_.size(); ++i) {
+        if (!(peaks_[i] > 0.04f)) continue;
+        const double y = 1 - std::min(static_cast<double>(peaks_[i]), 1.0);
+        highestCap = std::min(highestCap, y);
+        lowestCap = std::max(lowestCap, y);
+    }
+    const QRectF caps(0, P * highestCap, W, std::max(0.0, P * (lowestCap - highestCap)) + 1.5);
 
-    drawWithGlow(painter, area, withOpacity(systemCyan(), 0.5), 4, [&](QPainter& layer) {
+    drawWithGlow(painter, bars, withOpacity(systemCyan(), 0.5), 4, [&](QPainter& layer) {
         QLinearGradient neon(QPointF(0, P), QPointF(0, 0));
         neon.setStops(HoloVUMeterView::neonGradient());
         layer.setPen(Qt::NoPen);
@@ -71,7 +85,11 @@ void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
         }
     });
 
-    drawWithGlow(painter, area, grey(1.0, 0.6), 2, [&](QPainter& layer) {
+    if (highestCap > lowestCap) {
+        painter.restore();
+        return;
+    }
+    drawWithGlow(painter, caps, grey(1.0, 0.6), 2, [&](QPainter& layer) {
         for (std::size_t i = 0; i < n && i < peaks_.size(); ++i) {
             const double p = peaks_[i];
             if (!(p > 0.04)) continue;

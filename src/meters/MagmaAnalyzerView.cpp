@@ -73,7 +73,12 @@ void MagmaAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
         layer.fillRect(floor, ember);
     });
 
-    drawWithGlow(painter, QRectF(0, 0, W, P), Lava::orange(0.6), 3.5, [&](QPainter& layer) {
+    // The glow layer only needs to reach as high as the highest jet.
+    double highest = 0;
+    for (const float v : levels_)
+        highest = std::max(highest, boostedFraction(v));
+    const QRectF jets(0, P * (1 - highest) - 3, W, P * highest + 3);
+    drawWithGlow(painter, jets, Lava::orange(0.6), 3.5, [&](QPainter& layer) {
         QLinearGradient heat(QPointF(0, P), QPointF(0, 0));
         heat.setColorAt(0.0, Lava::deep());
         heat.setColorAt(1.0 / 3, Lava::red());

@@ -102,7 +102,10 @@ void PulsarComboView::paintBackground(QPainter& painter, const QSizeF& size) con
 void PulsarComboView::paintSpokes(QPainter& painter, const Geometry& g) const {
     const std::size_t n = levels_.size();
     if (n > 0) {
-        const double reach = g.outer + 4;
+        double longest = 0;
+        for (const float v : levels_)
+            longest = std::max(longest, clampedLevel(v));
+        const double reach = g.innerSpoke + g.span * longest + 4;
         const QRectF bounds(g.centre.x() - reach, g.centre.y() - reach, 2 * reach, 2 * reach);
         drawWithGlow(painter, bounds, withOpacity(systemCyan(), 0.5), 4, [&](QPainter& layer) {
             for (std::size_t i = 0; i < n; ++i) {

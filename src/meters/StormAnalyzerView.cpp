@@ -57,8 +57,12 @@ void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
     const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
     const double P = plot.plotHeight;
 
-    drawWithGlow(painter, QRectF(0, 0, plot.canvas.width(), P), Storm::electric(0.6), 3.5,
-                 [&](QPainter& layer) {
+    // The glow layer only needs to reach as far down as the longest stroke.
+    double longest = 0;
+    for (const float v : levels_)
+        longest = std::max(longest, boostedFraction(v));
+    drawWithGlow(painter, QRectF(0, 0, plot.canvas.width(), P * longest + 3), Storm::electric(0.6),
+                 3.5, [&](QPainter& layer) {
                      QLinearGradient charge(QPointF(0, 0), QPointF(0, P));
                      charge.setColorAt(0.0, rgb(0.35, 0.45, 0.65, 0.85));
                      charge.setColorAt(0.5, Storm::electric());

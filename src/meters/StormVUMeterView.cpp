@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 #include "meters/ContinuousRect.h"
 #include "meters/LayerEffects.h"
@@ -151,6 +152,7 @@ void StormVUMeterView::paintBolt(QPainter& painter, const QSizeF& canvas) const 
     });
     stroke(painter, points, core, 1.2, Qt::RoundJoin);
 
+    std::vector<QPolygonF> forks;
     for (int b = 0; b < forkCount(L); ++b) {
         const QPointF start = points[std::min(3 + 4 * b, 14)];
         const double direction = noise(q, 300 + b) >= 0 ? 1.0 : -1.0;
@@ -161,10 +163,19 @@ void StormVUMeterView::paintBolt(QPainter& painter, const QSizeF& canvas) const 
         for (int j = 1; j <= 3; ++j)
             fork << start + (finish - start) * (j / 4.0) + QPointF(0.03 * h * noise(q + b, j), 0);
         fork << finish;
-        drawBlurred(painter, fork.boundingRect().adjusted(-3, -3, 3, 3), 1, [&](QPainter& layer) {
-            stroke(layer, fork, Storm::electric(0.55), 1.1, Qt::RoundJoin);
+        forks.push_back(fork);
+    }
+    if (!forks.empty()) {
+        // The forks' soft halos share one blurred layer; they rarely overlap.
+        QRectF forkBox;
+        for (const QPolygonF& fork : forks)
+            forkBox |= fork.boundingRect();
+        drawBlurred(painter, forkBox.adjusted(-3, -3, 3, 3), 1, [&](QPainter& layer) {
+            for (const QPolygonF& fork : forks)
+                stroke(layer, fork, Storm::electric(0.55), 1.1, Qt::RoundJoin);
         });
-        stroke(painter, fork, grey(1.0, 0.45), 0.6, Qt::MiterJoin);
+        for (const QPolygonF& fork : forks)
+            stroke(painter, fork, grey(1.0, 0.45), 0.6, Qt::MiterJoin);
     }
 
     if (L > 0.9) {
