@@ -47,7 +47,7 @@ void PopupWindow::openBelow(const QRect& anchor) {
 }
 
 QPoint PopupWindow::placement(const QRect& anchor, const QSize& popup, const QRect& screen) {
-    int x = anchor.center().x() - popup.width() / 2;
+    int x = anchor.x() + (anchor.width() - popup.width()) / 2;
     int y = anchor.bottom() + 1 + gapBelowItem;
     if (y + popup.height() > screen.bottom() + 1) y = anchor.top() - gapBelowItem - popup.height();
     x = std::clamp(x, screen.left(), std::max(screen.left(), screen.right() + 1 - popup.width()));

@@ -1,0 +1,221 @@
+// The popup content driven through its real widgets against the engine on a simulated Mac.
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTest>
+#include <QToolButton>
+
+#include "AppTestRig.h"
+#include "app/ContentView.h"
+#include "app/ShrinkingLabel.h"
+#include "app/ToggleSwitch.h"
+#include "platform/sim/DemoPlaylist.h"
+#include "spectrum/SpectrumAnalyzer.h"
+
+namespace corvanel {
+namespace {
+
+using namespace std::chrono_literals;
+
+class ContentViewTest : public ::testing::Test {
+  protected:
+    explicit ContentViewTest(bool withDevice = true) : rig(withDevice) {}
+
+    ContentView& open() {
+        rig.start();
+        view = std::make_unique<ContentView>(rig.environment());
+        view->show();
+        return *view;
+    }
+
+    QString text(const char* name) const {
+        if (auto* label = view->findChild<ShrinkingLabel*>(name)) return label->text();
+        if (auto* label = view->findChild<QLabel*>(name)) return label->text();
+        ADD_FAILURE() << "no label " << name;
+        return {};
+    }
+    bool shown(const char* name) const {
+        const QWidget* widget = view->findChild<QWidget*>(name);
+        return widget && widget->isVisible();
+    }
+    std::vector<QPushButton*> rateButtons() const {
+        std::vector<QPushButton*> buttons;
+        for (QPushButton* button : view->findChildren<QPushButton*>("rateButton"))
+            if (button->parent()) buttons.push_back(button);
+        return buttons;
+    }
+    QPushButton* rateButton(const QString& label) const {
+        for (QPushButton* button : rateButtons())
+            if (button->text() == label) return button;
+        return nullptr;
+    }
+    QStringList highlightedRates() const {
+        QStringList highlighted;
+        for (QPushButton* button : rateButtons())
+            if (button->property("current").toBool()) highlighted << button->text();
+        return highlighted;
+    }
+    void click(const char* name) {
+        auto* button = view->findChild<QAbstractButton*>(name);
+        ASSERT_NE(button, nullptr) << name;
+        button->click();
+        rig.mac.executor->runUntilIdle();
+    }
+
+    testing::AppTestRig rig;
+    std::unique_ptr<ContentView> view;
+};
+
+TEST_F(ContentViewTest, BeforeAnyTrackTheCardShowsTheDeviceAndNoDetection) {
+    open();
+    EXPECT_EQ(text("detectedText"), QString::fromUtf8("\u2014"));
+    EXPECT_EQ(text("detectedSource"), "No track detected");
+    EXPECT_EQ(text("deviceText"), QString::fromUtf8("48 kHz \u00b7 32-bit"));
+    EXPECT_EQ(text("deviceName"), "Corvanel Demo DAC");
+    const QStringList labels = [&] {
+        QStringList all;
+        for (QPushButton* button : rateButtons())
+            all << button->text();
+        return all;
+    }();
+    EXPECT_EQ(labels, (QStringList{"44.1", "48", "88.2", "96", "176.4", "192"}));
+    EXPECT_EQ(highlightedRates(), QStringList{"48"});
+    EXPECT_EQ(text("activityLine0").mid(text("activityLine0").indexOf("  ") + 2),
+              QString::fromUtf8("Started \u2014 watching Apple Music track changes"));
+}
+
+TEST_F(ContentViewTest, ADetectionAndTheSwitchReachEveryRow) {
+    open();
+    rig.play("96000", "4608", "Apple Lossless audio file", audioCapabilitiesMessage(96, 24));
+    rig.mac.executor->advanceBy(1s);
+
+    EXPECT_EQ(text("detectedText"), QString::fromUtf8("96 kHz \u00b7 24-bit"));
+    EXPECT_EQ(text("detectedSource"), "Apple Lossless audio file");
+    EXPECT_EQ(text("deviceText"), QString::fromUtf8("96 kHz \u00b7 32-bit"));
+    EXPECT_EQ(highlightedRates(), QStringList{"96"});
+    QStringList activity;
+    for (int i = 0; i < 3; ++i) {
+        const QString line = text(QStringLiteral("activityLine%1").arg(i).toUtf8().constData());
+        activity << line.mid(line.indexOf("  ") + 2);
+    }
+    EXPECT_EQ(activity[0], QString::fromUtf8("Corvanel Demo DAC \u2192 96 kHz"));
+    EXPECT_EQ(activity[1], "Detected 96 kHz / 24-bit (Apple Lossless audio file)");
+}
+
+TEST_F(ContentViewTest, ARateButtonSetsThatRateOnTheDeviceAndTheHighlightFollows) {
+    open();
+    QPushButton* button = rateButton("88.2");
+    ASSERT_NE(button, nullptr);
+    button->click();
+    rig.mac.executor->advanceBy(1s);
+    EXPECT_EQ(rig.mac.audio->nominalRate(rig.dac), 88200);
+    EXPECT_EQ(highlightedRates(), QStringList{"88.2"});
+
+    // A rate a hair away from a listed one still counts as that one.
+    rig.mac.audio->changeNominalRateExternally(rig.dac, 48000.3);
+    rig.mac.executor->runUntilIdle();
+    EXPECT_EQ(highlightedRates(), QStringList{"48"});
+}
+
+TEST_F(ContentViewTest, TogglesWriteTheirSettingsAndThePrivacyNoteFollowsTheLiveImage) {
+    rig.mac.settings->preset("spectrumEnabled", true);
+    open();
+    EXPECT_TRUE(shown("privacyNote"));
+    EXPECT_TRUE(view->findChild<ToggleSwitch*>("autoSwitchToggle")->isChecked());
+    EXPECT_FALSE(view->findChild<ToggleSwitch*>("pauseToggle")->isChecked());
+
+    click("autoSwitchToggle");
+    click("pauseToggle");
+    click("liveEQToggle");
+    click("launchAtLoginToggle");
+    using Write = std::pair<std::string, StoredSettingValue>;
+    const auto writes = rig.mac.settings->writes();
+    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"autoSwitchEnabled", false}),
+              writes.end());
+    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"pauseDuringSwitch", true}),
+              writes.end());
+    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"spectrumEnabled", false}),
+              writes.end());
+    EXPECT_EQ(rig.mac.loginItems->calls(), std::vector<std::string>{"register"});
+    EXPECT_FALSE(shown("privacyNote"));
+    EXPECT_FALSE(rig.engine->spectrum()->isCapturing());
+}
+
+TEST_F(ContentViewTest, TheCaptureMessageShowsWhileCaptureFailsAndGoesWhenItStops) {
+    rig.mac.settings->preset("spectrumEnabled", true);
+    rig.mac.taps->failOperation(SimTapOperation::createProcessTap, -1);
+    open();
+    ASSERT_TRUE(shown("statusMessage"));
+    EXPECT_TRUE(text("statusMessage").startsWith("Could not create the audio tap"))
+        << text("statusMessage").toStdString();
+
+    click("liveEQToggle");
+    EXPECT_FALSE(shown("statusMessage"));
+}
+
+TEST_F(ContentViewTest, AFailedScanShowsItsErrorUntilAScanSucceeds) {
+    rig.mac.music->setRunning(false);
+    rig.mac.log->failWith("The log store is unavailable.");
+    open();
+    ASSERT_TRUE(shown("lastError"));
+    EXPECT_EQ(text("lastError"),
+              "Could not read the system log (The log store is unavailable.). Your account must "
+              "be an administrator.");
+
+    rig.mac.log->failWith(std::nullopt);
+    click("scanNowButton");
+    EXPECT_FALSE(shown("lastError"));
+}
+
+TEST_F(ContentViewTest, OnlyTheSixNewestActivityLinesAreListed) {
+    rig.mac.loginItems->failWith("Denied");
+    open();
+    for (int i = 0; i < 25; ++i) {
+        rig.engine->setLaunchAtLogin(i % 2 == 0);
+    }
+    ASSERT_EQ(rig.engine->activity().size(), 20u);
+    for (std::size_t i = 0; i < ContentView::activityRows; ++i) {
+        const std::string name = "activityLine" + std::to_string(i);
+        EXPECT_EQ(text(name.c_str()).toStdString(), rig.engine->activity()[i]);
+    }
+    EXPECT_EQ(view->findChildren<QLabel*>(QRegularExpression("^activityLine")).size(), 6);
+}
+
+TEST_F(ContentViewTest, FooterAndHeaderActions) {
+    rig.workspace->hasApplications = true;
+    open();
+    click("audioMidiSetupButton");
+    EXPECT_EQ(rig.workspace->opened,
+              std::vector<std::string>{"/System/Applications/Utilities/Audio MIDI Setup.app"});
+    click("openPanelButton");
+    EXPECT_EQ(rig.openedWindows, std::vector<QString>{"panel"});
+    EXPECT_EQ(rig.workspace->activations, 1);
+
+    view->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
+    QTest::keyClick(view.get(), Qt::Key_Q, Qt::ControlModifier);
+    // A shortcut presses the button visibly, which takes a moment.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return rig.quits == 1; }, 1000));
+}
+
+TEST_F(ContentViewTest, WithoutTheSetupToolItsButtonIsAbsent) {
+    open();
+    EXPECT_EQ(view->findChild<QPushButton*>("audioMidiSetupButton"), nullptr);
+}
+
+class ContentViewWithoutDeviceTest : public ContentViewTest {
+  protected:
+    ContentViewWithoutDeviceTest() : ContentViewTest(false) {}
+};
+
+TEST_F(ContentViewWithoutDeviceTest, NoSupportedRatesMeansNoManualRateSection) {
+    open();
+    EXPECT_FALSE(shown("manualRates"));
+    EXPECT_TRUE(rateButtons().empty());
+    EXPECT_EQ(text("deviceName"), "No output device");
+}
+
+}  // namespace
+}  // namespace corvanel

@@ -1,0 +1,154 @@
+// The Qt adapters: typed settings across store instances, the locale's time of day, and the
+// single-instance handshake over the local socket.
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QLocalSocket>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QThread>
+#include <atomic>
+#include <memory>
+
+#include "GuiApplication.h"
+#include "platform/qt/LocalWorkspace.h"
+#include "platform/qt/QtSettingsStore.h"
+#include "platform/qt/QtTimeOfDay.h"
+
+namespace corvanel {
+namespace {
+
+class QtSettingsStoreTest : public ::testing::Test {
+  protected:
+    void SetUp() override { testing::guiApplication(); }
+    QString path() const { return directory_.filePath("settings.json"); }
+
+  private:
+    QTemporaryDir directory_;
+};
+
+TEST_F(QtSettingsStoreTest, ValuesKeepTheirTypeInAFreshStoreOnTheSameFile) {
+    {
+        QtSettingsStore writer(path());
+        writer.write("autoSwitchEnabled", false);
+        writer.write("NSStatusItem Preferred Position Item-0", std::int64_t{10000});
+        writer.write("panelMeterStyle", std::string("ledrack"));
+        writer.write("looksLikeABoolean", std::string("true"));
+    }
+    const QtSettingsStore reader(path());
+    EXPECT_EQ(reader.read("autoSwitchEnabled"), SettingValue(false));
+    EXPECT_EQ(reader.read("NSStatusItem Preferred Position Item-0"),
+              SettingValue(std::int64_t{10000}));
+    EXPECT_EQ(reader.read("panelMeterStyle"), SettingValue(std::string("ledrack")));
+    // A text that spells a boolean stays a text, so the boolean defaults still apply to it.
+    EXPECT_EQ(reader.read("looksLikeABoolean"), SettingValue(std::string("true")));
+    EXPECT_TRUE(readBool(reader, "looksLikeABoolean", true));
+    EXPECT_FALSE(readBool(reader, "looksLikeABoolean", false));
+    EXPECT_EQ(reader.read("neverWritten"), SettingValue(std::monostate{}));
+}
+
+TEST_F(QtSettingsStoreTest, AWriteIsVisibleToAStoreOpenedAfterIt) {
+    QtSettingsStore first(path());
+    first.write("pauseDuringSwitch", true);
+    const QtSettingsStore second(path());
+    EXPECT_EQ(second.read("pauseDuringSwitch"), SettingValue(true));
+    first.write("pauseDuringSwitch", false);
+    EXPECT_EQ(QtSettingsStore(path()).read("pauseDuringSwitch"), SettingValue(false));
+}
+
+TEST_F(QtSettingsStoreTest, ForeignValueTypesReadAsOtherAndSurviveOurWrites) {
+    {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(R"({"spectrumEnabled": [1, 2], "ratio": 0.5, "autoSwitchEnabled": "yes"})");
+    }
+    QtSettingsStore store(path());
+    EXPECT_EQ(store.read("spectrumEnabled"), SettingValue(OtherSettingValue{}));
+    EXPECT_EQ(store.read("ratio"), SettingValue(OtherSettingValue{}));
+    EXPECT_TRUE(readBool(store, "spectrumEnabled", true));
+    EXPECT_TRUE(readBool(store, "autoSwitchEnabled", true));
+    store.write("pauseDuringSwitch", true);
+    const QtSettingsStore reopened(path());
+    EXPECT_EQ(reopened.read("spectrumEnabled"), SettingValue(OtherSettingValue{}));
+    EXPECT_EQ(reopened.read("pauseDuringSwitch"), SettingValue(true));
+}
+
+TEST_F(QtSettingsStoreTest, AnUnreadableFileReadsAsEmptyWithoutCrashing) {
+    {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("{ not json");
+    }
+    const QtSettingsStore store(path());
+    EXPECT_EQ(store.read("autoSwitchEnabled"), SettingValue(std::monostate{}));
+    EXPECT_TRUE(readBool(store, "autoSwitchEnabled", true));
+}
+
+TEST(QtTimeOfDayTest, UsesTheLongTimeStyleWithoutTheZone) {
+    const QLocale english(QLocale::English, QLocale::UnitedStates);
+    const QString format = timeFormatWithoutZone(english);
+    EXPECT_FALSE(format.contains(u't')) << format.toStdString();
+    EXPECT_TRUE(format.contains("ss")) << format.toStdString();
+
+    const QDateTime local(QDate(2024, 3, 5), QTime(15, 4, 5));
+    const WallTime time{std::chrono::milliseconds(local.toMSecsSinceEpoch())};
+    EXPECT_EQ(qtTimeOfDay(english, time), "3:04:05 PM");
+    EXPECT_EQ(qtTimeOfDay(QLocale(QLocale::German, QLocale::Germany), time), "15:04:05");
+}
+
+TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {
+    testing::guiApplication();
+    const QString name = QStringLiteral("corvanel-test-%1").arg(QCoreApplication::applicationPid());
+    // The older copy answers from its own event loop, as a separate process would.
+    QThread olderThread;
+    QObject olderContext;
+    olderContext.moveToThread(&olderThread);
+    olderThread.start();
+    std::atomic<int> olderQuits = 0;
+    std::unique_ptr<LocalWorkspace> older;
+    QMetaObject::invokeMethod(
+        &olderContext,
+        [&] {
+            older = std::make_unique<LocalWorkspace>(
+                name, LocalWorkspace::Actions{.quit = [&] { ++olderQuits; }, .activate = {}});
+            older->askOlderCopiesToQuit();
+        },
+        Qt::BlockingQueuedConnection);
+
+    int newerQuits = 0;
+    LocalWorkspace newer(name, {.quit = [&] { ++newerQuits; }, .activate = {}});
+    newer.askOlderCopiesToQuit();
+    EXPECT_EQ(olderQuits, 1);
+    EXPECT_EQ(newerQuits, 0);
+    EXPECT_TRUE(newer.isListening());
+    bool olderListening = true;
+    QMetaObject::invokeMethod(
+        &olderContext,
+        [&] {
+            olderListening = older->isListening();
+            older.reset();
+        },
+        Qt::BlockingQueuedConnection);
+    olderThread.quit();
+    olderThread.wait();
+    EXPECT_FALSE(olderListening);
+
+    // A third copy finds the second one listening.
+    QLocalSocket probe;
+    probe.connectToServer(name);
+    EXPECT_TRUE(probe.waitForConnected(1000));
+}
+
+TEST(LocalWorkspaceTest, ApplicationsAreFilesAndActivationIsPassedOn) {
+    int activations = 0;
+    LocalWorkspace workspace("corvanel-test-unused",
+                             {.quit = {}, .activate = [&] { ++activations; }});
+    EXPECT_FALSE(workspace.hasApplication("/System/Applications/Utilities/Audio MIDI Setup.app"));
+    EXPECT_TRUE(workspace.hasApplication(QCoreApplication::applicationFilePath().toStdString()));
+    workspace.activateSelf();
+    EXPECT_EQ(activations, 1);
+}
+
+}  // namespace
+}  // namespace corvanel
