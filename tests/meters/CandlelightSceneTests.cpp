@@ -191,6 +191,30 @@ TEST(CandlelightScene, LevelsAreReadTheWayTheFlamesNeedThem) {
     EXPECT_NE(idle, render(std::vector<float>(40, 0.4f), t, size));
 }
 
+TEST(CandlelightScene, TheRoomGlowsWithTheLoudnessAndTheSnowKeepsFalling) {
+    // Between the candle groups on the floor, far from every flame's halo.
+    const QPoint floor(960, 560);
+    const QSize size(1600, 1000);
+    const auto glowAt = [&](float level, double t) {
+        return render(std::vector<float>(40, level), t, size).pixelColor(floor);
+    };
+    const QColor silent = glowAt(0.0f, frameTime);
+    const QColor loud = glowAt(1.0f, frameTime);
+    EXPECT_GT(loud.red(), silent.red() + 10);
+    EXPECT_GT(loud.red(), loud.blue());
+    // Silence still leaves the faint glow, the same at any moment.
+    EXPECT_EQ(silent, glowAt(0.0f, frameTime + 7.3));
+
+    application();
+    const auto snowAt = [](double t) {
+        return probe::render(QSizeF(1600, 1000), [t](QPainter& painter) {
+            CandlelightScene({}, t).drawSnow(painter, QPointF(), QSizeF(1600, 1000));
+        });
+    };
+    EXPECT_NE(snowAt(frameTime), snowAt(frameTime + 0.5));
+    EXPECT_EQ(snowAt(frameTime), snowAt(frameTime));
+}
+
 TEST(CandlelightScene, LoudnessIsTheMeanOfTheClampedLevels) {
     EXPECT_EQ(CandlelightScene({}, 0).loudness(), 0.0f);
     EXPECT_FLOAT_EQ(CandlelightScene({0.5f, 2.0f, -1.0f, 0.5f}, 0).loudness(), 0.5f);

@@ -5,7 +5,9 @@
 
 #include "meters/ComboView.h"
 #include "meters/HoloAnalyzerView.h"
+#include "meters/InfernoComboView.h"
 #include "meters/MagmaAnalyzerView.h"
+#include "meters/MagmaVUMeterView.h"
 #include "meters/Probe.h"
 #include "meters/PulsarComboView.h"
 #include "meters/StormAnalyzerView.h"
@@ -174,6 +176,24 @@ TEST(PulsarComboView, HalfRingsFollowTheirChannels) {
     const QColor right = probe::at(image, g.centre + QPointF(0.95 * g.core + 4, 0));
     EXPECT_GT(left.blue(), 180);
     EXPECT_LT(probe::brightness(right), probe::brightness(left) - 80);
+}
+
+TEST(ComboView, FeedsTheLeftMeterTheLeftChannelAndTheSpectrumTheBands) {
+    InfernoComboView inferno;
+    MeterValues values = oneBand(0, 0.0f);
+    values.left = 1.0f;
+    values.right = 0.0f;
+    const QSizeF size(500, 560);
+    const QImage image = renderValues(inferno, values, size);
+    const ComboView::Layout parts = ComboView::layout(size, MagmaVUMeterView::aspectRatio);
+    // The middle of each meter's channel, half way up.
+    const auto channelMiddle = [](const QRectF& meter) {
+        const double w = meter.width() - 12;
+        const double h = meter.height() - 12;
+        return meter.topLeft() + QPointF(6 + 0.42 * w, 6 + 0.5 * h);
+    };
+    EXPECT_GT(probe::at(image, channelMiddle(parts.left)).red(), 150);
+    EXPECT_LT(probe::brightness(probe::at(image, channelMiddle(parts.right))), 20);
 }
 
 TEST(ComboView, KeepsMeterAspectAndGivesTheSpectrumTheRest) {
