@@ -10,6 +10,7 @@
 #include "app/HeadlessRun.h"
 #include "app/MyApp.h"
 #include "app/PlatformComposition.h"
+#include "app/PopupWindow.h"
 
 namespace {
 
@@ -52,6 +53,12 @@ int main(int argc, char* argv[]) {
     }
     corvanel::MyApp app(std::move(std::get<corvanel::Composition>(composed)));
     app.start();
+    for (const QString& window : options.openAtStart) {
+        if (window == "popup")
+            app.popup().openBelow(app.statusItem().geometry());
+        else
+            app.openWindow(window);
+    }
 
     std::optional<corvanel::HeadlessRun> headless;
     if (options.headless) {

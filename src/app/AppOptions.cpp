@@ -21,7 +21,9 @@ std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
         "capture", "Where the meters' audio comes from: synth (default) or pulse.", "source",
         "synth");
     const QCommandLineOption settings("settings", "Keep settings in this file.", "file");
-    parser.addOptions({demo, headless, duration, snapshots, audio, capture, settings});
+    const QCommandLineOption open("open", "Open popup, panel or visualizer at start (repeatable).",
+                                  "window");
+    parser.addOptions({demo, headless, duration, snapshots, audio, capture, settings, open});
     if (!parser.parse(arguments)) return parser.errorText();
     if (parser.isSet("help")) return parser.helpText();
     if (!parser.positionalArguments().isEmpty())
@@ -37,6 +39,11 @@ std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
                "\"";
     if (parser.isSet(snapshots)) options.snapshotDirectory = parser.value(snapshots);
     if (parser.isSet(settings)) options.settingsFile = parser.value(settings);
+    for (const QString& window : parser.values(open)) {
+        if (window != "popup" && window != "panel" && window != "visualizer")
+            return "--open takes popup, panel or visualizer, not \"" + window + "\"";
+        options.openAtStart << window;
+    }
     const QString source = parser.value(capture);
     if (source == "pulse") {
         options.audio = AudioSourceChoice::pulse;

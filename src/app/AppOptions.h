@@ -19,6 +19,8 @@ struct AppOptions {
     QString audioFile;
     // A typed settings file in place of the user's standard store.
     std::optional<QString> settingsFile;
+    // Opened at start: "popup", "panel", "visualizer".
+    QStringList openAtStart;
 };
 
 // The options, or the message saying what is wrong with the command line.

@@ -1,7 +1,9 @@
 #include "app/AppWindow.h"
 
+#include <QGuiApplication>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -17,6 +19,9 @@ AppWindow::AppWindow(QString identifier, const QString& title, QSize defaultSize
     layout->setContentsMargins(0, 0, 0, 0);
     chrome_ = chrome(*this);
     resize(defaultSize);
+    // A new window opens in the middle of the screen, as the platform would place it.
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        move(screen->availableGeometry().center() - rect().center());
 }
 
 AppWindow::~AppWindow() = default;

@@ -43,7 +43,7 @@ void ShrinkingLabel::paintEvent(QPaintEvent*) {
     QFont scaled = font();
     const qreal scale = currentScale();
     if (font().pixelSize() > 0)
-        scaled.setPixelSize(std::max(1, qRound(font().pixelSize() * scale)));
+        scaled.setPixelSize(std::max(1, int(font().pixelSize() * scale)));
     else
         scaled.setPointSizeF(font().pointSizeF() * scale);
     painter.setFont(scaled);

@@ -1,7 +1,9 @@
 #include "app/WindowStatusItem.h"
 
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScreen>
 
 #include "app/TrayStatusItem.h"
 
@@ -51,6 +53,14 @@ void WindowStatusItem::setLabelImage(const QImage& templateImage) {
 }
 
 void WindowStatusItem::setInserted(bool inserted) {
+    if (inserted && !placed_) {
+        // Where a status area would be: the top right of the screen.
+        placed_ = true;
+        if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+            const QRect area = screen->availableGeometry();
+            window_.move(area.right() - 260, area.top() + 8);
+        }
+    }
     window_.setVisible(inserted);
 }
 

@@ -33,6 +33,7 @@ class WindowStatusItem final : public StatusItem {
     };
 
     LabelWindow window_;
+    bool placed_ = false;
 };
 
 }  // namespace corvanel
