@@ -51,9 +51,11 @@ void VintageAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size)
     drawBezel(painter, box, 8, {grey(0.14), grey(0.04)}, {grey(0.0, 0.5), 3, {0, 2}});
     const QRectF face = box.adjusted(6, 6, -6, -6);
     const QPointF lamp = face.topLeft() + QPointF(0.5 * face.width(), 0.25 * face.height());
-    QRadialGradient amber(lamp, 420, lamp, 20);
-    amber.setColorAt(0.0, rgb(1.00, 0.84, 0.44));
-    amber.setColorAt(0.5, rgb(0.97, 0.62, 0.13));
+    // From radius 20 to 420: the stops are placed on a plain radial gradient of radius 420
+    // (Qt's two-circle form leaves a speck at the inner circle's centre).
+    QRadialGradient amber(lamp, 420);
+    amber.setColorAt(20.0 / 420, rgb(1.00, 0.84, 0.44));
+    amber.setColorAt(220.0 / 420, rgb(0.97, 0.62, 0.13));
     amber.setColorAt(1.0, rgb(0.78, 0.35, 0.04));
     painter.fillPath(continuousRoundedRect(face, 5), amber);
 
