@@ -309,6 +309,7 @@ void ContentView::refreshRateButtons() {
             button->setMinimumWidth(rateButtonMinimumWidth);
             connect(button, &QPushButton::clicked, this, [this, rate] { setRate(rate); });
             rateGrid_->addWidget(button, int(i) / columns, int(i) % columns);
+            button->show();  // a child added to a shown grid stays hidden otherwise
             rateButtons_.push_back(button);
         }
         for (int c = 0; c < columns; ++c)

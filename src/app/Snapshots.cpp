@@ -104,9 +104,12 @@ void writeSnapshots(MyApp& app, const QDir& directory,
     }
     run->save(labelOnMenuBar(app.label().image()), "label.png");
     app.popup().openBelow(app.statusItem().geometry());
-    run->save(app.popup().grab().toImage(), "popup.png");
-    app.popup().hide();
-    snapshotNextStyle(run);
+    // The popup lays itself out on the next turns of the event loop.
+    QTimer::singleShot(settleMilliseconds, [run] {
+        run->save(run->app.popup().grab().toImage(), "popup.png");
+        run->app.popup().hide();
+        snapshotNextStyle(run);
+    });
 }
 
 }  // namespace corvanel
