@@ -29,9 +29,6 @@ class StaticLayer {
     // The image as cached, for renderers that blit parts of it; call after draw or prepare.
     const QImage& image() const { return image_; }
     void prepare(const QPainter& painter, const QSizeF& size, const Paint& paint);
-    double margin() const { return margin_; }
-    // Device pixels per point of the cached image.
-    double scale() const { return scale_; }
 
   private:
     double margin_;

@@ -109,5 +109,29 @@ TEST(MenuBarLabel, TitleComesFirstFivePointsBeforeTheBars) {
     EXPECT_NEAR((top + bottom) / 2.0, image.height() / 2.0, 3.0);
 }
 
+TEST(SpectrumBarsView, NewLevelsSlideLinearlyOverSixHundredthsOfASecond) {
+    SpectrumBarsView bars(std::vector<float>{0.0f});
+    bars.setLevels({1.0f});
+    const auto heightNow = [&] {
+        const QImage image = probe::render(
+            {2, 16},
+            [&](QPainter& p) {
+                bars.paint(p, {0, 0}, Qt::black);
+            },
+            2.0);
+        return inkedHeight(image, 1) / 2.0;
+    };
+    EXPECT_NEAR(heightNow(), 2.0, 0.5);  // the silent stub it starts from
+    EXPECT_TRUE(bars.step(0.03));
+    EXPECT_NEAR(heightNow(), 7.0, 0.5);  // half-way: 0.5 x 14
+    // A new value mid-way starts from what is shown.
+    bars.setLevels({0.0f});
+    EXPECT_NEAR(heightNow(), 7.0, 0.5);
+    EXPECT_TRUE(bars.step(0.03));
+    EXPECT_NEAR(heightNow(), 3.5, 0.5);
+    EXPECT_FALSE(bars.step(0.03));
+    EXPECT_NEAR(heightNow(), 2.0, 0.5);
+}
+
 }  // namespace
 }  // namespace corvanel::meters
