@@ -7,6 +7,8 @@
 #include "app/ActivityPrinter.h"
 #include "app/MyApp.h"
 #include "app/Snapshots.h"
+#include "spectrum/SpectrumAnalyzer.h"
+#include "switching/SwitcherEngine.h"
 
 namespace corvanel {
 
@@ -14,7 +16,18 @@ HeadlessRun::HeadlessRun(MyApp& app, double durationSeconds, std::optional<QDir>
     : app_(app),
       snapshots_(std::move(snapshots)),
       printer_(std::make_unique<ActivityPrinter>(app.environment().engine, stdout)) {
+    captureChanged_ = app.environment().engine->spectrum()->stateChanged.connect(
+        [this] { printCaptureMessage(); });
+    printCaptureMessage();
     QTimer::singleShot(int(durationSeconds * 1000), [this] { finish(); });
+}
+
+void HeadlessRun::printCaptureMessage() {
+    // Capture problems are shown in the popup; without one they go to the error stream.
+    const auto& message = app_.environment().engine->spectrum()->statusMessage();
+    if (message == shownCaptureMessage_) return;
+    shownCaptureMessage_ = message;
+    if (message) std::fprintf(stderr, "%s\n", message->c_str());
 }
 
 HeadlessRun::~HeadlessRun() = default;

@@ -4,6 +4,9 @@
 #include <QDir>
 #include <memory>
 #include <optional>
+#include <string>
+
+#include "platform/Signal.h"
 
 namespace corvanel {
 
@@ -17,10 +20,13 @@ class HeadlessRun {
 
   private:
     void finish();
+    void printCaptureMessage();
 
     MyApp& app_;
     std::optional<QDir> snapshots_;
     std::unique_ptr<ActivityPrinter> printer_;
+    std::optional<std::string> shownCaptureMessage_;
+    Connection captureChanged_;
 };
 
 }  // namespace corvanel
