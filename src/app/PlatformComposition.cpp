@@ -18,6 +18,10 @@
 #if defined(__linux__)
 #include "platform/linux/PulseCaptureHost.h"
 #endif
+#if defined(Q_OS_MACOS)
+#include "app/mac/MacStatusItem.h"
+#include "app/mac/MacWindowChrome.h"
+#endif
 #if defined(__APPLE__)
 #include <QGuiApplication>
 
@@ -29,6 +33,15 @@
 namespace corvanel {
 namespace {
 
+#if defined(Q_OS_MACOS)
+// An NSStatusItem lives in this process and draws every label the analyzer publishes.
+StatusItemChoice makeDesktopStatusItem() {
+    return {std::make_unique<MacStatusItem>(), Seconds{0}};
+}
+WindowChromeFactory desktopWindowChrome() {
+    return MacWindowChrome::factory();
+}
+#else
 StatusItemChoice makeDesktopStatusItem() {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         return {std::make_unique<TrayStatusItem>(), Seconds{1.0 / trayLabelsPerSecond}};
@@ -36,6 +49,10 @@ StatusItemChoice makeDesktopStatusItem() {
     // our own carries the label, so the application is never invisible.
     return {std::make_unique<WindowStatusItem>(), Seconds{0}};
 }
+WindowChromeFactory desktopWindowChrome() {
+    return FramelessWindowChrome::factory();
+}
+#endif
 
 std::variant<std::shared_ptr<ProcessTapHost>, std::string> demoTaps(const AppOptions& options) {
     switch (options.audio) {
@@ -82,7 +99,7 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultServerName(),
                                                        std::move(workspaceActions));
     ports.timeOfDay = systemTimeOfDay;
-    composition.windowChrome = FramelessWindowChrome::factory();
+    composition.windowChrome = desktopWindowChrome();
     composition.makeStatusItem = makeDesktopStatusItem;
 #if defined(__APPLE__)
     // macOS: the native status item and window chrome wherever AppKit shows the windows (not on
