@@ -59,14 +59,14 @@ OptionError setSize(RenderOptions& options, const std::string& text) {
     return std::nullopt;
 }
 
-struct OptionSpec {
+struct OptionRow {
     const char* name;
     std::function<OptionError(RenderOptions&, const std::string&)> apply;
 };
 
 // Every option takes one value; adding an option is one row here.
-const std::vector<OptionSpec>& optionTable() {
-    static const std::vector<OptionSpec> table{
+const std::vector<OptionRow>& optionTable() {
+    static const std::vector<OptionRow> table{
         {"--style",
          [](RenderOptions& o, const std::string& v) -> OptionError {
              o.style = v;
@@ -140,11 +140,11 @@ OptionError parseRenderOptions(const std::vector<std::string>& arguments, Render
     for (std::size_t i = 0; i < arguments.size(); i += 2) {
         const std::string& name = arguments[i];
         const auto& table = optionTable();
-        const auto spec = std::find_if(table.begin(), table.end(),
-                                       [&](const OptionSpec& s) { return name == s.name; });
-        if (spec == table.end()) return "unknown option \"" + name + "\"";
+        const auto row = std::find_if(table.begin(), table.end(),
+                                      [&](const OptionRow& s) { return name == s.name; });
+        if (row == table.end()) return "unknown option \"" + name + "\"";
         if (i + 1 >= arguments.size()) return name + " needs a value";
-        if (OptionError error = spec->apply(options, arguments[i + 1])) return error;
+        if (OptionError error = row->apply(options, arguments[i + 1])) return error;
     }
     return std::nullopt;
 }
