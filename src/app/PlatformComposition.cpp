@@ -17,6 +17,7 @@
 #include "platform/sim/SimProcessTapHost.h"
 #if defined(__linux__)
 #include "platform/linux/PulseCaptureHost.h"
+#include "platform/qt/XdgAutostart.h"
 #endif
 #if defined(Q_OS_MACOS)
 #include "app/mac/MacStatusItem.h"
@@ -128,7 +129,11 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     ports.systemLog = log;
     ports.scripts = music;
     ports.notifications = notifications;
+#if defined(__linux__)
+    ports.loginItems = std::make_shared<XdgAutostart>(XdgAutostart::forCurrentUser());
+#else
     ports.loginItems = std::make_shared<SimLoginItems>();
+#endif
     composition.demo = DemoPlayer::create({executor, music, log, notifications},
                                           demoPlaylist(Seconds{demoTrackSeconds}));
     return composition;
