@@ -13,14 +13,14 @@ SimAudioHardware::DeviceSpec demoDacSpec() {
             stream.availableFormats.push_back(SimAudioHardware::linearPCM(rate, bits));
     stream.physicalFormat = SimAudioHardware::linearPCM(48000, 24).mFormat;
 
-    SimAudioHardware::DeviceSpec spec;
-    spec.name = demoDacName;
-    spec.uid = "CorvanelDemoDAC:01";
-    spec.nominalRate = 48000;
+    SimAudioHardware::DeviceSpec device;
+    device.name = demoDacName;
+    device.uid = "CorvanelDemoDAC:01";
+    device.nominalRate = 48000;
     for (const double rate : demoDacRates())
-        spec.availableRates.push_back({rate, rate});
-    spec.outputStreams.push_back(std::move(stream));
-    return spec;
+        device.availableRates.push_back({rate, rate});
+    device.outputStreams.push_back(std::move(stream));
+    return device;
 }
 
 AudioObjectID installDemoDac(SimAudioHardware& hardware) {
