@@ -32,7 +32,9 @@ void AppWindow::setContent(QWidget* content) {
 }
 
 void AppWindow::paintEvent(QPaintEvent*) {
-    // Stands for the translucent dark material behind the content.
+    // Where the platform supplies a translucent material behind the window (macOS), let it show.
+    if (testAttribute(Qt::WA_TranslucentBackground)) return;
+    // Elsewhere this gradient stands for that material.
     QPainter painter(this);
     QLinearGradient material(0, 0, 0, height());
     material.setColorAt(0, QColor(0x2a, 0x2a, 0x30));

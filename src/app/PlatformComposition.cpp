@@ -19,10 +19,6 @@
 #include "platform/linux/PulseCaptureHost.h"
 #include "platform/qt/XdgAutostart.h"
 #endif
-#if defined(Q_OS_MACOS)
-#include "app/mac/MacStatusItem.h"
-#include "app/mac/MacWindowChrome.h"
-#endif
 #if defined(__APPLE__)
 #include <QGuiApplication>
 
@@ -34,15 +30,6 @@
 namespace corvanel {
 namespace {
 
-#if defined(Q_OS_MACOS)
-// An NSStatusItem lives in this process and draws every label the analyzer publishes.
-StatusItemChoice makeDesktopStatusItem() {
-    return {std::make_unique<MacStatusItem>(), Seconds{0}};
-}
-WindowChromeFactory desktopWindowChrome() {
-    return MacWindowChrome::factory();
-}
-#else
 StatusItemChoice makeDesktopStatusItem() {
     if (QSystemTrayIcon::isSystemTrayAvailable())
         return {std::make_unique<TrayStatusItem>(), Seconds{1.0 / trayLabelsPerSecond}};
@@ -53,7 +40,6 @@ StatusItemChoice makeDesktopStatusItem() {
 WindowChromeFactory desktopWindowChrome() {
     return FramelessWindowChrome::factory();
 }
-#endif
 
 std::variant<std::shared_ptr<ProcessTapHost>, std::string> demoTaps(const AppOptions& options) {
     switch (options.audio) {
