@@ -8,9 +8,9 @@
 #include "meters/LEDSpectrumView.h"
 #include "meters/PulsarComboView.h"
 #include "meters/TapeDeckMeterView.h"
+#include "meters/VUMeterView.h"
 #include "meters/ValhallaComboView.h"
 #include "meters/VintageComboView.h"
-#include "meters/VUMeterView.h"
 #include "meters/YamahaClassicComboView.h"
 
 namespace corvanel {

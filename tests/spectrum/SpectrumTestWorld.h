@@ -59,10 +59,10 @@ struct SpectrumTestWorld {
     }
 
     AudioObjectID addOutputDevice(const std::string& name, const std::string& uid) const {
-        SimAudioHardware::DeviceSpec spec;
-        spec.name = name;
-        spec.uid = uid;
-        return audio->addDevice(spec);
+        SimAudioHardware::DeviceSpec device;
+        device.name = name;
+        device.uid = uid;
+        return audio->addDevice(device);
     }
 
     PlatformPorts ports() const {

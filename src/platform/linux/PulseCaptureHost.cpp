@@ -187,8 +187,9 @@ OSStatus PulseCaptureHost::createAggregateDevice(const DescriptionDictionary&,
     if (!connection_) return PA_ERR_NOENTITY;
     PulseConnection::Lock lock(*connection_);
     if (stream_) return PA_ERR_EXIST;
-    const pa_sample_spec spec{PA_SAMPLE_FLOAT32LE, rate_, channelCount};
-    stream_.reset(pa_stream_new(connection_->context(), "Corvanel Spectrum", &spec, nullptr));
+    const pa_sample_spec sampleFormat{PA_SAMPLE_FLOAT32LE, rate_, channelCount};
+    stream_.reset(
+        pa_stream_new(connection_->context(), "Corvanel Spectrum", &sampleFormat, nullptr));
     if (!stream_) return connection_->lastError();
     pa_stream_set_state_callback(stream_.get(), onStreamState, connection_.get());
     outDevice = deviceObject;
