@@ -7,7 +7,9 @@
 // Rules for coroutine code in this project:
 // - take parameters by value (references dangle across suspension); never write a coroutine
 //   lambda with captures;
-// - a spawned task holds its owner weakly and re-checks it after every wait.
+// - a spawned task holds its owner weakly and re-checks it after every wait;
+// - work values out before a co_await: GCC 12 miscompiles a conditional expression or a
+//   temporary capturing lambda inside the awaited expression (a capture was released twice).
 #include <coroutine>
 #include <exception>
 #include <functional>
