@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <deque>
 #include <vector>
 
 namespace corvanel::meters {
@@ -37,7 +38,7 @@ struct BoxBlur {
     int height;
     int channels;
     std::ptrdiff_t line;
-    std::vector<std::uint32_t> sums;
+    std::vector<std::uint32_t>& sums;
 
     static std::uint64_t reciprocal(int radius) {
         return (std::uint64_t{1} << 32) / static_cast<std::uint64_t>(2 * radius + 1);
@@ -89,11 +90,24 @@ struct BoxBlur {
     }
 };
 
+// Scratch memory kept per thread between frames, so a steady stream of frames allocates nothing.
+std::vector<std::uint8_t>& blurSpare() {
+    thread_local std::vector<std::uint8_t> spare;
+    return spare;
+}
+
+std::vector<std::uint32_t>& blurSums() {
+    thread_local std::vector<std::uint32_t> sums;
+    return sums;
+}
+
 void blurChannels(QImage& image, int channels, double sigma) {
     if (!(sigma > 0.2) || image.isNull()) return;
     const std::array<int, 3> radii = boxRadiiFor(sigma);
-    BoxBlur blur{image.width(), image.height(), channels, image.bytesPerLine(), {}};
-    std::vector<std::uint8_t> spare(static_cast<std::size_t>(image.sizeInBytes()));
+    std::vector<std::uint32_t>& sums = blurSums();
+    BoxBlur blur{image.width(), image.height(), channels, image.bytesPerLine(), sums};
+    std::vector<std::uint8_t>& spare = blurSpare();
+    spare.resize(static_cast<std::size_t>(image.sizeInBytes()));
     std::uint8_t* bits = image.bits();
     for (const int radius : radii) {
         if (radius <= 0) continue;
@@ -102,27 +116,170 @@ void blurChannels(QImage& image, int channels, double sigma) {
     }
 }
 
-struct Offscreen {
-    QImage image;
-    QRectF area;  // in the painter's coordinates
+// How much a blur of `sigma` pixels lets its layer shrink first: a wide Gaussian holds no detail
+// finer than a few pixels, so blurring a half- or quarter-size copy and stretching it back looks
+// the same and costs a quarter or a sixteenth.
+int reductionFor(double sigma, const QSize& size) {
+    if (sigma >= 600.0 && size.width() > 16 && size.height() > 16) return 4;
+    if (sigma >= 3.0 && size.width() > 8 && size.height() > 8) return 2;
+    return 1;
+}
+
+// Resizes `image` to `size` and `format` only when it differs, then clears it.
+void reuse(QImage& image, const QSize& size, QImage::Format format) {
+    if (image.size() != size || image.format() != format) image = QImage(size, format);
+    image.fill(0);
+}
+
+// `target` becomes `source` shrunk by `factor`, each pixel the mean of a factor x factor block
+// (pixels past the edge count as transparent). With `alphaOnly` the target is Format_Alpha8 and
+// keeps only coverage; otherwise it stays premultiplied ARGB.
+void shrink(const QImage& source, int factor, bool alphaOnly, QImage& target) {
+    const QSize size((source.width() + factor - 1) / factor,
+                     (source.height() + factor - 1) / factor);
+    reuse(target, size, alphaOnly ? QImage::Format_Alpha8 : QImage::Format_ARGB32_Premultiplied);
+    const int area = factor * factor;
+    const int channels = alphaOnly ? 1 : 4;
+    std::vector<std::uint32_t>& sums = blurSums();
+    for (int ty = 0; ty < size.height(); ++ty) {
+        sums.assign(static_cast<std::size_t>(size.width() * channels), 0);
+        const int lastRow = std::min(source.height(), (ty + 1) * factor);
+        for (int sy = ty * factor; sy < lastRow; ++sy) {
+            const auto* in = reinterpret_cast<const QRgb*>(source.constScanLine(sy));
+            for (int sx = 0; sx < source.width(); ++sx) {
+                const QRgb pixel = in[sx];
+                std::uint32_t* sum = &sums[static_cast<std::size_t>(sx / factor * channels)];
+                if (alphaOnly) {
+                    sum[0] += static_cast<std::uint32_t>(qAlpha(pixel));
+                } else {
+                    sum[0] += static_cast<std::uint32_t>(qRed(pixel));
+                    sum[1] += static_cast<std::uint32_t>(qGreen(pixel));
+                    sum[2] += static_cast<std::uint32_t>(qBlue(pixel));
+                    sum[3] += static_cast<std::uint32_t>(qAlpha(pixel));
+                }
+            }
+        }
+        const auto mean = [&](std::size_t i) {
+            return static_cast<int>((sums[i] + static_cast<std::uint32_t>(area / 2)) /
+                                    static_cast<std::uint32_t>(area));
+        };
+        if (alphaOnly) {
+            std::uint8_t* out = target.scanLine(ty);
+            for (int tx = 0; tx < size.width(); ++tx)
+                out[tx] = static_cast<std::uint8_t>(mean(static_cast<std::size_t>(tx)));
+        } else {
+            auto* out = reinterpret_cast<QRgb*>(target.scanLine(ty));
+            for (int tx = 0; tx < size.width(); ++tx) {
+                const auto i = static_cast<std::size_t>(tx * 4);
+                out[tx] = qRgba(mean(i), mean(i + 1), mean(i + 2), mean(i + 3));
+            }
+        }
+    }
+}
+
+// Coverage of every pixel of `layer`, as Format_Alpha8.
+void coverageOf(const QImage& layer, QImage& alpha) {
+    reuse(alpha, layer.size(), QImage::Format_Alpha8);
+    for (int y = 0; y < layer.height(); ++y) {
+        const auto* in = reinterpret_cast<const QRgb*>(layer.constScanLine(y));
+        std::uint8_t* out = alpha.scanLine(y);
+        for (int x = 0; x < layer.width(); ++x)
+            out[x] = static_cast<std::uint8_t>(qAlpha(in[x]));
+    }
+}
+
+// `shadow` becomes `colour` laid over `alpha`'s coverage.
+void tint(const QImage& alpha, const QColor& colour, QImage& shadow) {
+    reuse(shadow, alpha.size(), QImage::Format_ARGB32_Premultiplied);
+    const std::uint32_t r = static_cast<std::uint32_t>(colour.red());
+    const std::uint32_t g = static_cast<std::uint32_t>(colour.green());
+    const std::uint32_t b = static_cast<std::uint32_t>(colour.blue());
+    const std::uint32_t a = static_cast<std::uint32_t>(colour.alpha());
+    std::array<QRgb, 256> shades{};
+    for (std::uint32_t level = 0; level < 256; ++level) {
+        const std::uint32_t coverage = (level * a + 127) / 255;
+        shades[level] =
+            qRgba(static_cast<int>((r * coverage + 127) / 255),
+                  static_cast<int>((g * coverage + 127) / 255),
+                  static_cast<int>((b * coverage + 127) / 255), static_cast<int>(coverage));
+    }
+    for (int y = 0; y < alpha.height(); ++y) {
+        const std::uint8_t* source = alpha.constScanLine(y);
+        auto* target = reinterpret_cast<QRgb*>(shadow.scanLine(y));
+        for (int x = 0; x < alpha.width(); ++x)
+            target[x] = shades[source[x]];
+    }
+}
+
+// Offscreen images kept per thread and per nesting depth (a layer's content may itself draw a
+// layer), reused while their size stays the same. A deque keeps outer sets in place as it grows.
+struct ScratchSet {
+    QImage layer;
+    QImage alpha;
+    QImage reduced;
+    QImage shadow;
 };
 
-// Renders `content` into a transparent image covering `bounds` grown by `margin` points.
-Offscreen renderLayer(const QPainter& painter, const QRectF& bounds, double margin,
-                      const LayerContent& content) {
+class Scratch {
+  public:
+    Scratch() : depth_(depth()++) {
+        std::deque<ScratchSet>& sets = pool();
+        if (sets.size() <= depth_) sets.resize(depth_ + 1);
+    }
+    ~Scratch() { --depth(); }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    ScratchSet& set() { return pool()[depth_]; }
+
+  private:
+    static std::size_t& depth() {
+        thread_local std::size_t current = 0;
+        return current;
+    }
+    static std::deque<ScratchSet>& pool() {
+        thread_local std::deque<ScratchSet> sets;
+        return sets;
+    }
+    std::size_t depth_;
+};
+
+// Renders `content` into `image`, a transparent image covering `bounds` grown by `margin` points;
+// returns that area in the painter's coordinates.
+QRectF renderLayer(const QPainter& painter, const QRectF& bounds, double margin,
+                   const LayerContent& content, QImage& image) {
     const double scale = pixelScale(painter);
     const QRectF area = bounds.adjusted(-margin, -margin, margin, margin);
     const QSize pixels(std::max(1, static_cast<int>(std::ceil(area.width() * scale))),
                        std::max(1, static_cast<int>(std::ceil(area.height() * scale))));
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
+    reuse(image, pixels, QImage::Format_ARGB32_Premultiplied);
     QPainter layer(&image);
     layer.setRenderHints(painter.renderHints());
     layer.scale(scale, scale);
     layer.translate(-area.topLeft());
     content(layer);
     layer.end();
-    return {std::move(image), area};
+    return area;
+}
+
+// Where a copy of a layer image covering `area` goes once shrunk by `factor`: the shrunk image
+// covers whole blocks, so it may reach up to a block past the layer's own edge.
+QRectF reducedArea(const QRectF& area, const QSize& layer, int factor) {
+    const int columns = (layer.width() + factor - 1) / factor * factor;
+    const int rows = (layer.height() + factor - 1) / factor * factor;
+    return QRectF(area.topLeft(), QSizeF(area.width() * columns / layer.width(),
+                                         area.height() * rows / layer.height()));
+}
+
+// The shadow of `layer` into `scratch.shadow`, at the reduction its width allows.
+void castShadow(const QImage& layer, const QColor& colour, double sigma, ScratchSet& scratch) {
+    const int factor = reductionFor(sigma, layer.size());
+    if (factor > 1)
+        shrink(layer, factor, true, scratch.alpha);
+    else
+        coverageOf(layer, scratch.alpha);
+    blurAlpha(scratch.alpha, sigma / factor);
+    tint(scratch.alpha, colour, scratch.shadow);
 }
 
 }  // namespace
@@ -134,34 +291,9 @@ double pixelScale(const QPainter& painter) {
 }
 
 QImage shadowImage(const QImage& layer, const QColor& colour, double sigma) {
-    QImage alpha = layer.convertToFormat(QImage::Format_Alpha8);
-    // A wide blur loses nothing at half resolution and costs a quarter; the caller draws the
-    // result stretched over the layer's area.
-    if (sigma >= 3.0 && alpha.width() > 8 && alpha.height() > 8) {
-        alpha = alpha
-                    .scaled(alpha.width() / 2, alpha.height() / 2, Qt::IgnoreAspectRatio,
-                            Qt::SmoothTransformation)
-                    .convertToFormat(QImage::Format_Alpha8);
-        sigma /= 2.0;
-    }
-    blurAlpha(alpha, sigma);
-    QImage shadow(alpha.size(), QImage::Format_ARGB32_Premultiplied);
-    const std::uint32_t r = static_cast<std::uint32_t>(colour.red());
-    const std::uint32_t g = static_cast<std::uint32_t>(colour.green());
-    const std::uint32_t b = static_cast<std::uint32_t>(colour.blue());
-    const std::uint32_t a = static_cast<std::uint32_t>(colour.alpha());
-    for (int y = 0; y < alpha.height(); ++y) {
-        const std::uint8_t* source = alpha.constScanLine(y);
-        auto* target = reinterpret_cast<QRgb*>(shadow.scanLine(y));
-        for (int x = 0; x < alpha.width(); ++x) {
-            const std::uint32_t coverage = (source[x] * a + 127) / 255;
-            target[x] =
-                qRgba(static_cast<int>((r * coverage + 127) / 255),
-                      static_cast<int>((g * coverage + 127) / 255),
-                      static_cast<int>((b * coverage + 127) / 255), static_cast<int>(coverage));
-        }
-    }
-    return shadow;
+    ScratchSet scratch;
+    castShadow(layer, colour, sigma, scratch);
+    return scratch.shadow;
 }
 
 void blurAlpha(QImage& alpha, double sigma) {
@@ -174,15 +306,19 @@ void blurImage(QImage& image, double sigma) {
 
 void drawWithShadow(QPainter& painter, const QRectF& bounds, const Shadow& shadow,
                     const LayerContent& content) {
+    Scratch scratch;
+    ScratchSet& images = scratch.set();
     const double margin = shadow.radius * 1.5 + 1.0;
-    const Offscreen layer = renderLayer(painter, bounds, margin, content);
+    const QRectF area = renderLayer(painter, bounds, margin, content, images.layer);
     const double sigma = shadow.radius / 2.0 * pixelScale(painter);
-    const QImage cast = shadowImage(layer.image, shadow.colour, sigma);
+    castShadow(images.layer, shadow.colour, sigma, images);
+    const int factor = reductionFor(sigma, images.layer.size());
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(layer.area.translated(shadow.offset), cast);
+    painter.drawImage(reducedArea(area, images.layer.size(), factor).translated(shadow.offset),
+                      images.shadow);
     painter.restore();
-    painter.drawImage(layer.area, layer.image);
+    painter.drawImage(area, images.layer);
 }
 
 void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour, double radius,
@@ -192,18 +328,20 @@ void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour,
 
 void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
                  const LayerContent& content) {
-    Offscreen layer = renderLayer(painter, bounds, radius * 1.5 + 1.0, content);
-    double sigma = radius / 2.0 * pixelScale(painter);
-    // As for shadows: a wide blur is done at half resolution and stretched back.
-    if (sigma >= 3.0 && layer.image.width() > 8 && layer.image.height() > 8) {
-        layer.image = layer.image.scaled(layer.image.width() / 2, layer.image.height() / 2,
-                                         Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-        sigma /= 2.0;
+    Scratch scratch;
+    ScratchSet& images = scratch.set();
+    const QRectF area = renderLayer(painter, bounds, radius * 1.5 + 1.0, content, images.layer);
+    const double sigma = radius / 2.0 * pixelScale(painter);
+    const int factor = reductionFor(sigma, images.layer.size());
+    QImage* blurred = &images.layer;
+    if (factor > 1) {
+        shrink(images.layer, factor, false, images.reduced);
+        blurred = &images.reduced;
     }
-    blurImage(layer.image, sigma);
+    blurImage(*blurred, sigma / factor);
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(layer.area, layer.image);
+    painter.drawImage(reducedArea(area, images.layer.size(), factor), *blurred);
     painter.restore();
 }
 

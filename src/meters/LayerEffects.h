@@ -39,7 +39,7 @@ void blurAlpha(QImage& alpha, double sigma);
 void blurImage(QImage& image, double sigma);
 
 // The shadow a layer image casts: its coverage blurred by `sigma` pixels, tinted with `colour`.
-// A wide shadow comes back at half the layer's resolution: draw it over the layer's area.
+// A wide shadow comes back at a reduced resolution: draw it stretched over the layer's area.
 QImage shadowImage(const QImage& layer, const QColor& colour, double sigma);
 
 // Device pixels per point of the painter's current coordinates.
