@@ -40,15 +40,17 @@ struct BoxBlur {
     std::ptrdiff_t line;
     std::vector<std::uint32_t>& sums;
 
-    static std::uint64_t reciprocal(int radius) {
-        return (std::uint64_t{1} << 32) / static_cast<std::uint64_t>(2 * radius + 1);
+    // 32-bit fixed point keeps the inner loops vectorisable: a sum is at most 255 * (2r + 1),
+    // so sum * (2^24 / (2r + 1)) stays below 2^32.
+    static std::uint32_t reciprocal(int radius) {
+        return (std::uint32_t{1} << 24) / static_cast<std::uint32_t>(2 * radius + 1);
     }
-    static std::uint8_t average(std::uint32_t sum, std::uint64_t reciprocal) {
-        return static_cast<std::uint8_t>((sum * reciprocal + (std::uint64_t{1} << 31)) >> 32);
+    static std::uint8_t average(std::uint32_t sum, std::uint32_t reciprocal) {
+        return static_cast<std::uint8_t>((sum * reciprocal + (std::uint32_t{1} << 23)) >> 24);
     }
 
     void horizontal(const std::uint8_t* source, std::uint8_t* target, int radius) {
-        const std::uint64_t r = reciprocal(radius);
+        const std::uint32_t r = reciprocal(radius);
         for (int y = 0; y < height; ++y) {
             const std::uint8_t* in = source + y * line;
             std::uint8_t* out = target + y * line;
@@ -68,7 +70,7 @@ struct BoxBlur {
     }
 
     void vertical(const std::uint8_t* source, std::uint8_t* target, int radius) {
-        const std::uint64_t r = reciprocal(radius);
+        const std::uint32_t r = reciprocal(radius);
         const int rowSamples = width * channels;
         sums.assign(static_cast<std::size_t>(rowSamples), 0);
         for (int y = 0; y <= std::min(radius, height - 1); ++y)
@@ -78,13 +80,18 @@ struct BoxBlur {
             std::uint8_t* out = target + y * line;
             const int entering = y + radius + 1;
             const int leaving = y - radius;
-            const std::uint8_t* incoming = entering < height ? source + entering * line : nullptr;
-            const std::uint8_t* outgoing = leaving >= 0 ? source + leaving * line : nullptr;
-            for (int i = 0; i < rowSamples; ++i) {
-                std::uint32_t& sum = sums[static_cast<std::size_t>(i)];
-                out[i] = average(sum, r);
-                if (incoming) sum += incoming[i];
-                if (outgoing) sum -= outgoing[i];
+            std::uint32_t* sum = sums.data();
+            for (int i = 0; i < rowSamples; ++i)
+                out[i] = average(sum[i], r);
+            if (entering < height) {
+                const std::uint8_t* incoming = source + entering * line;
+                for (int i = 0; i < rowSamples; ++i)
+                    sum[i] += incoming[i];
+            }
+            if (leaving >= 0) {
+                const std::uint8_t* outgoing = source + leaving * line;
+                for (int i = 0; i < rowSamples; ++i)
+                    sum[i] -= outgoing[i];
             }
         }
     }
@@ -140,13 +147,15 @@ void shrink(const QImage& source, int factor, bool alphaOnly, QImage& target) {
     reuse(target, size, alphaOnly ? QImage::Format_Alpha8 : QImage::Format_ARGB32_Premultiplied);
     const int area = factor * factor;
     const int channels = alphaOnly ? 1 : 4;
+    const int columns = source.width();
+    const int rows = source.height();
     std::vector<std::uint32_t>& sums = blurSums();
     for (int ty = 0; ty < size.height(); ++ty) {
         sums.assign(static_cast<std::size_t>(size.width() * channels), 0);
-        const int lastRow = std::min(source.height(), (ty + 1) * factor);
+        const int lastRow = std::min(rows, (ty + 1) * factor);
         for (int sy = ty * factor; sy < lastRow; ++sy) {
             const auto* in = reinterpret_cast<const QRgb*>(source.constScanLine(sy));
-            for (int sx = 0; sx < source.width(); ++sx) {
+            for (int sx = 0; sx < columns; ++sx) {
                 const QRgb pixel = in[sx];
                 std::uint32_t* sum = &sums[static_cast<std::size_t>(sx / factor * channels)];
                 if (alphaOnly) {
@@ -180,10 +189,11 @@ void shrink(const QImage& source, int factor, bool alphaOnly, QImage& target) {
 // Coverage of every pixel of `layer`, as Format_Alpha8.
 void coverageOf(const QImage& layer, QImage& alpha) {
     reuse(alpha, layer.size(), QImage::Format_Alpha8);
+    const int width = layer.width();
     for (int y = 0; y < layer.height(); ++y) {
         const auto* in = reinterpret_cast<const QRgb*>(layer.constScanLine(y));
         std::uint8_t* out = alpha.scanLine(y);
-        for (int x = 0; x < layer.width(); ++x)
+        for (int x = 0; x < width; ++x)
             out[x] = static_cast<std::uint8_t>(qAlpha(in[x]));
     }
 }
@@ -203,10 +213,11 @@ void tint(const QImage& alpha, const QColor& colour, QImage& shadow) {
                   static_cast<int>((g * coverage + 127) / 255),
                   static_cast<int>((b * coverage + 127) / 255), static_cast<int>(coverage));
     }
+    const int width = alpha.width();
     for (int y = 0; y < alpha.height(); ++y) {
         const std::uint8_t* source = alpha.constScanLine(y);
         auto* target = reinterpret_cast<QRgb*>(shadow.scanLine(y));
-        for (int x = 0; x < alpha.width(); ++x)
+        for (int x = 0; x < width; ++x)
             target[x] = shades[source[x]];
     }
 }
