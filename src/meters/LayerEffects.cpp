@@ -127,7 +127,7 @@ void blurChannels(QImage& image, int channels, double sigma) {
 // finer than a few pixels, so blurring a half- or quarter-size copy and stretching it back looks
 // the same and costs a quarter or a sixteenth.
 int reductionFor(double sigma, const QSize& size) {
-    if (sigma >= 600.0 && size.width() > 16 && size.height() > 16) return 4;
+    if (sigma >= 4.0 && size.width() > 16 && size.height() > 16) return 4;
     if (sigma >= 3.0 && size.width() > 8 && size.height() > 8) return 2;
     return 1;
 }
