@@ -12,7 +12,6 @@ namespace corvanel::meters {
 namespace {
 
 const QImage& room() {
-    probe::ensureApplication();
     return candleRoom();
 }
 

@@ -12,9 +12,7 @@
 namespace corvanel::meters {
 namespace {
 
-void application() {
-    probe::ensureApplication();
-}
+void application() {}
 
 // A plain dark room of the real picture's size, so that probes see only what the scene adds.
 QImage darkRoom() {

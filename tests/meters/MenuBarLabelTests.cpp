@@ -11,7 +11,6 @@ namespace corvanel::meters {
 namespace {
 
 QImage label(const QString& title, std::optional<std::vector<float>> levels) {
-    probe::ensureApplication();
     return SpectrumBarsView::menuBarImage(title, levels);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 // Rendering a meter into an image and reading colours back where its geometry puts something.
 #include <QColor>
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPointF>
@@ -12,19 +11,8 @@
 
 namespace corvanel::meters::probe {
 
-// A GUI application for fonts and painting; created once per test program.
-inline void ensureApplication() {
-    static int argc = 1;
-    static char name[] = "meters-tests";
-    static char* argv[] = {name, nullptr};
-    static QGuiApplication* application =
-        QGuiApplication::instance() ? nullptr : new QGuiApplication(argc, argv);
-    (void)application;
-}
-
 inline QImage render(const QSizeF& size, const std::function<void(QPainter&)>& paint,
                      double scale = 1.0, QColor background = Qt::transparent) {
-    ensureApplication();
     QImage image(static_cast<int>(std::ceil(size.width() * scale)),
                  static_cast<int>(std::ceil(size.height() * scale)),
                  QImage::Format_ARGB32_Premultiplied);
