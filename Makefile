@@ -22,14 +22,16 @@ test-default:
 	@$(MAKE) --no-print-directory build PRESET=default
 	@ctest --preset default -j $(JOBS)
 
-# The portable cores under AddressSanitizer+UBSan and ThreadSanitizer.
+# The portable cores under AddressSanitizer+UBSan and ThreadSanitizer. The PulseAudio suite stays
+# out of the TSan run: libpulse is not instrumented, so TSan cannot see its own synchronisation
+# and reports races inside it; that suite runs in the default build.
 test-sanitizers: bootstrap
 	@cmake --preset asan >/dev/null
 	@cmake --build --preset asan -j $(JOBS) --target corvanel_tests_platform corvanel_tests_switching corvanel_tests_spectrum
 	@ctest --preset asan -j $(JOBS) -L 'platform|switching|spectrum'
 	@cmake --preset tsan >/dev/null
 	@cmake --build --preset tsan -j $(JOBS)
-	@ctest --preset tsan -j $(JOBS)
+	@ctest --preset tsan -j $(JOBS) -LE linux
 
 run: build
 	@scripts/run build/$(PRESET)
