@@ -55,15 +55,15 @@ QLabel* makeLabel(const QString& text, const QFont& font, const QColor& color, Q
     return label;
 }
 
-QWidget* column(ShrinkingLabel*& value, QLabel*& caption, QWidget* parent) {
+QWidget* column(ShrinkingLabel*& value, ShrinkingLabel*& caption, QWidget* parent) {
     auto box = new QWidget(parent);
     auto layout = new QVBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
     value = new ShrinkingLabel(style::titleSemibold(), 0.55, box);
-    caption = makeLabel({}, style::caption(), style::secondary(), box);
-    caption->setAlignment(Qt::AlignHCenter);
-    caption->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    // One line: a source or device name too long for the column ends in an ellipsis.
+    caption = new ShrinkingLabel(style::caption(), 1.0, box);
+    caption->setColor(style::secondary());
     layout->addWidget(value);
     layout->addWidget(caption);
     return box;
@@ -169,9 +169,7 @@ QWidget* ContentView::makeRatesCard() {
     auto arrow = new QLabel(card);
     arrow->setPixmap(symbolPixmap(Symbol::arrowRight, style::secondary(), 14));
     row->addWidget(arrow);
-    QLabel* deviceName = nullptr;
-    row->addWidget(column(deviceText_, deviceName, card), 1);
-    deviceName_ = deviceName;
+    row->addWidget(column(deviceText_, deviceName_, card), 1);
     detectedText_->setObjectName("detectedText");
     detectedSource_->setObjectName("detectedSource");
     deviceText_->setObjectName("deviceText");

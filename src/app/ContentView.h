@@ -50,9 +50,9 @@ class ContentView final : public QWidget {
 
     StatusDot* autoSwitchDot_ = nullptr;
     ShrinkingLabel* detectedText_ = nullptr;
-    QLabel* detectedSource_ = nullptr;
+    ShrinkingLabel* detectedSource_ = nullptr;
     ShrinkingLabel* deviceText_ = nullptr;
-    QLabel* deviceName_ = nullptr;
+    ShrinkingLabel* deviceName_ = nullptr;
     QWidget* manualRates_ = nullptr;
     QGridLayout* rateGrid_ = nullptr;
     std::vector<QPushButton*> rateButtons_;

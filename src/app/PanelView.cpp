@@ -18,19 +18,15 @@
 namespace corvanel {
 namespace {
 
-QLabel* captionLabel(QWidget* parent) {
-    auto label = new QLabel(parent);
-    label->setFont(style::callout());
-    label->setAlignment(Qt::AlignHCenter);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, style::secondary());
-    label->setPalette(palette);
+// One line: a source or device name too long for the column ends in an ellipsis.
+ShrinkingLabel* captionLabel(QWidget* parent) {
+    auto label = new ShrinkingLabel(style::callout(), 1.0, parent);
+    label->setColor(style::secondary());
     return label;
 }
 
 // `column(value:caption:)`: the value large, the caption under it.
-QWidget* column(ShrinkingLabel*& value, QLabel*& caption, QWidget* parent) {
+QWidget* column(ShrinkingLabel*& value, ShrinkingLabel*& caption, QWidget* parent) {
     auto box = new QWidget(parent);
     auto stack = new QVBoxLayout(box);
     stack->setContentsMargins(0, 0, 0, 0);

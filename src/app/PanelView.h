@@ -86,9 +86,9 @@ class PanelView final : public QWidget {
     QMenu* menu_ = nullptr;
     QAction* alwaysOnTopAction_ = nullptr;
     ShrinkingLabel* detectedValue_ = nullptr;
-    QLabel* detectedCaption_ = nullptr;
+    ShrinkingLabel* detectedCaption_ = nullptr;
     ShrinkingLabel* deviceValue_ = nullptr;
-    QLabel* deviceCaption_ = nullptr;
+    ShrinkingLabel* deviceCaption_ = nullptr;
     MeterContent* meter_ = nullptr;
     Connection engineChanged_;
     std::shared_ptr<HoverProbe> hoverProbe_;
