@@ -23,15 +23,6 @@ TextStyle labelStyle() {
 
 }  // namespace
 
-void MagmaAnalyzerView::setValues(const MeterValues& values) {
-    levels_ = values.levels;
-    peaks_ = values.peaks;
-    if (levels_.size() != layoutBands_) {
-        layoutBands_ = levels_.size();
-        background_.invalidate();
-    }
-}
-
 void MagmaAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
     InfernoBackdrop::paint(painter, size);
     if (layoutBands_ == 0) return;

@@ -22,15 +22,6 @@ TextStyle labelStyle() {
 
 }  // namespace
 
-void StormAnalyzerView::setValues(const MeterValues& values) {
-    levels_ = values.levels;
-    peaks_ = values.peaks;
-    if (levels_.size() != layoutBands_) {
-        layoutBands_ = levels_.size();
-        background_.invalidate();
-    }
-}
-
 void StormAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
     StormBackdrop::paint(painter, size);
     if (layoutBands_ == 0) return;

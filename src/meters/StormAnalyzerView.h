@@ -3,27 +3,18 @@
 // reaching further down the louder the band, whitening as it reaches down; with a dB grid, peak
 // sparks and frequency labels on the storm backdrop. Stateless: a stroke changes shape only when
 // its shown length crosses a 1/20 step.
-#include <vector>
-
-#include "meters/MeterRenderer.h"
-#include "meters/StaticLayer.h"
+#include "meters/BandAnalyzerView.h"
 
 namespace corvanel::meters {
 
-class StormAnalyzerView final : public MeterRenderer {
+class StormAnalyzerView final : public BandAnalyzerView {
   public:
     static constexpr double canvasInset = 11.0;
 
-    void setValues(const MeterValues& values) override;
     void paint(QPainter& painter, const QSizeF& size) override;
 
   private:
     void paintBackground(QPainter& painter, const QSizeF& size) const;
-
-    std::vector<float> levels_;
-    std::vector<float> peaks_;
-    std::size_t layoutBands_ = 0;  // band count the background was drawn for
-    StaticLayer background_;
 };
 
 }  // namespace corvanel::meters

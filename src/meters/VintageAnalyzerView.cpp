@@ -37,15 +37,6 @@ TextStyle labelStyle() {
 
 }  // namespace
 
-void VintageAnalyzerView::setValues(const MeterValues& values) {
-    levels_ = values.levels;
-    peaks_ = values.peaks;
-    if (levels_.size() != layoutBands_) {
-        layoutBands_ = levels_.size();
-        background_.invalidate();
-    }
-}
-
 void VintageAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
     const QRectF box(QPointF(), size);
     drawBezel(painter, box, 8, {grey(0.14), grey(0.04)}, {grey(0.0, 0.5), 3, {0, 2}});
