@@ -63,19 +63,6 @@ QPainterPath areaClip(const QSizeF& size) {
 
 RetroVUMeterView::RetroVUMeterView(QString channel) : channel_(std::move(channel)) {}
 
-void RetroVUMeterView::setLevel(float level) {
-    needleLevel_.setTarget(clampedLevel(level));
-}
-
-bool RetroVUMeterView::step(double dt) {
-    needleLevel_.step(dt);
-    return !needleLevel_.isSettled();
-}
-
-void RetroVUMeterView::settle() {
-    needleLevel_.settle();
-}
-
 RetroVUMeterView::Dial RetroVUMeterView::dialFor(const QSizeF& size) {
     const QRectF area = meterArea(size);
     return {area.topLeft() + QPointF(0.5 * area.width(), 0.97 * area.height()),

@@ -5,20 +5,16 @@
 #include <QPointF>
 #include <QString>
 
-#include "meters/ChannelMeter.h"
 #include "meters/Needle.h"
-#include "meters/Spring.h"
+#include "meters/SpringNeedleMeter.h"
 #include "meters/StaticLayer.h"
 
 namespace corvanel::meters {
 
-class RetroVUMeterView final : public ChannelMeter {
+class RetroVUMeterView final : public SpringNeedleMeter {
   public:
     explicit RetroVUMeterView(QString channel);
 
-    void setLevel(float level) override;
-    bool step(double dt) override;
-    void settle() override;
     void paint(QPainter& painter, const QSizeF& size) override;
 
     struct Dial {
@@ -34,7 +30,6 @@ class RetroVUMeterView final : public ChannelMeter {
     void paintFront(QPainter& painter, const QSizeF& size) const;
 
     QString channel_;
-    Spring needleLevel_{0.32, 0.4};
     Needle needle_;
     StaticLayer background_{8.0};
     StaticLayer front_;

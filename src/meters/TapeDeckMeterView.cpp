@@ -54,19 +54,6 @@ QPainterPath meterClip(const QSizeF& size) {
 
 TapeDeckMeterView::TapeDeckMeterView(QString channel) : channel_(std::move(channel)) {}
 
-void TapeDeckMeterView::setLevel(float level) {
-    needleLevel_.setTarget(clampedLevel(level));
-}
-
-bool TapeDeckMeterView::step(double dt) {
-    needleLevel_.step(dt);
-    return !needleLevel_.isSettled();
-}
-
-void TapeDeckMeterView::settle() {
-    needleLevel_.settle();
-}
-
 TapeDeckMeterView::Dial TapeDeckMeterView::dialFor(const QSizeF& size) {
     const QRectF area = meterArea(size);
     return {{area.left() + 0.5 * area.width(), area.top() + 1.55 * area.height()},

@@ -3,20 +3,16 @@
 // whose pivot lies below the visible face, a thin black needle swinging 24 degrees either side.
 #include <QString>
 
-#include "meters/ChannelMeter.h"
 #include "meters/Needle.h"
-#include "meters/Spring.h"
+#include "meters/SpringNeedleMeter.h"
 #include "meters/StaticLayer.h"
 
 namespace corvanel::meters {
 
-class TapeDeckMeterView final : public ChannelMeter {
+class TapeDeckMeterView final : public SpringNeedleMeter {
   public:
     explicit TapeDeckMeterView(QString channel);
 
-    void setLevel(float level) override;
-    bool step(double dt) override;
-    void settle() override;
     void paint(QPainter& painter, const QSizeF& size) override;
 
     struct Dial {
@@ -30,7 +26,6 @@ class TapeDeckMeterView final : public ChannelMeter {
     void paintBackground(QPainter& painter, const QSizeF& size) const;
 
     QString channel_;
-    Spring needleLevel_{0.32, 0.4};
     Needle needle_;
     StaticLayer background_{8.0};
     StaticLayer glass_;

@@ -39,19 +39,6 @@ constexpr double dialInset = 9.0;
 
 VUMeterView::VUMeterView(QString channel) : channel_(std::move(channel)) {}
 
-void VUMeterView::setLevel(float level) {
-    needleLevel_.setTarget(clampedLevel(level));
-}
-
-bool VUMeterView::step(double dt) {
-    needleLevel_.step(dt);
-    return !needleLevel_.isSettled();
-}
-
-void VUMeterView::settle() {
-    needleLevel_.settle();
-}
-
 VUMeterView::Dial VUMeterView::dialFor(const QSizeF& size) {
     const double w = size.width() - 2 * dialInset;
     const double h = size.height() - 2 * dialInset;

@@ -3,20 +3,16 @@
 // and red zone, a needle over a quarter circle on a spring, hub, legend and glass.
 #include <QString>
 
-#include "meters/ChannelMeter.h"
 #include "meters/Needle.h"
-#include "meters/Spring.h"
+#include "meters/SpringNeedleMeter.h"
 #include "meters/StaticLayer.h"
 
 namespace corvanel::meters {
 
-class VUMeterView final : public ChannelMeter {
+class VUMeterView final : public SpringNeedleMeter {
   public:
     explicit VUMeterView(QString channel);
 
-    void setLevel(float level) override;
-    bool step(double dt) override;
-    void settle() override;
     void paint(QPainter& painter, const QSizeF& size) override;
 
     // The dial area's pivot and scale radius for a view of `size` (in the view's coordinates).
@@ -32,7 +28,6 @@ class VUMeterView final : public ChannelMeter {
     void paintBackground(QPainter& painter, const QSizeF& size) const;
 
     QString channel_;
-    Spring needleLevel_{0.32, 0.4};
     Needle needle_;
     StaticLayer background_{8.0};
     StaticLayer glass_;

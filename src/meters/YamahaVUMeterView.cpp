@@ -43,20 +43,9 @@ double needleAngle(double level) {
 
 }  // namespace
 
-YamahaVUMeterView::YamahaVUMeterView(QString channel) : channel_(std::move(channel)) {}
-
-void YamahaVUMeterView::setLevel(float level) {
-    needleLevel_.setTarget(clampedLevel(level));
-}
-
-bool YamahaVUMeterView::step(double dt) {
-    needleLevel_.step(dt);
-    return !needleLevel_.isSettled();
-}
-
-void YamahaVUMeterView::settle() {
-    needleLevel_.settle();
-}
+// A little quicker and better damped than the other needles.
+YamahaVUMeterView::YamahaVUMeterView(QString channel)
+    : SpringNeedleMeter(0.3, 0.48), channel_(std::move(channel)) {}
 
 YamahaVUMeterView::Dial YamahaVUMeterView::dialFor(const QSizeF& size) {
     return {{0.5 * size.width(), 1.34 * size.height()}, 1.1 * size.height()};

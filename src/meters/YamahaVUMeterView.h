@@ -3,20 +3,16 @@
 // printed scale with a red zone, a thin black needle swinging 25 degrees either side.
 #include <QString>
 
-#include "meters/ChannelMeter.h"
 #include "meters/Needle.h"
-#include "meters/Spring.h"
+#include "meters/SpringNeedleMeter.h"
 #include "meters/StaticLayer.h"
 
 namespace corvanel::meters {
 
-class YamahaVUMeterView final : public ChannelMeter {
+class YamahaVUMeterView final : public SpringNeedleMeter {
   public:
     explicit YamahaVUMeterView(QString channel);
 
-    void setLevel(float level) override;
-    bool step(double dt) override;
-    void settle() override;
     void paint(QPainter& painter, const QSizeF& size) override;
 
     // The needle's pivot and the dial radius for a meter of `size` (the scale is printed on a
@@ -31,7 +27,6 @@ class YamahaVUMeterView final : public ChannelMeter {
     void paintDial(QPainter& painter, const QSizeF& size) const;
 
     QString channel_;
-    Spring needleLevel_{0.3, 0.48};
     Needle needle_;
     StaticLayer dial_;
     StaticLayer glass_;
