@@ -2,7 +2,6 @@
 
 #include <QLinearGradient>
 #include <QRadialGradient>
-#include <array>
 #include <cmath>
 
 #include "meters/ContinuousRect.h"
@@ -18,20 +17,6 @@
 namespace corvanel::meters {
 
 namespace {
-
-struct ScaleMark {
-    double position;
-    const char* label;
-    bool hot;
-};
-
-constexpr std::array<ScaleMark, 5> magmaScale{{
-    {0.0, "0", false},
-    {0.25, "25", false},
-    {0.5, "50", false},
-    {0.75, "75", false},
-    {1.0, "100", true},
-}};
 
 constexpr double canvasInset = 6.0;
 
@@ -73,7 +58,7 @@ void MagmaVUMeterView::paintBackground(QPainter& painter, const QSizeF& size) co
     painter.translate(canvasInset, canvasInset);
     const Channel c = channelFor(canvas);
     const double w = canvas.width();
-    for (const ScaleMark& mark : magmaScale) {
+    for (const PercentMark& mark : themedPercentScale) {
         const double y = c.bottom - c.span * mark.position;
         const QColor colour = mark.hot ? Lava::orange() : Lava::ash();
         painter.setPen(QPen(withOpacity(colour, 0.7), 1));

@@ -3,7 +3,6 @@
 #include <QLinearGradient>
 #include <QRadialGradient>
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <numbers>
 #include <vector>
@@ -21,20 +20,6 @@
 namespace corvanel::meters {
 
 namespace {
-
-struct ScaleMark {
-    double position;
-    const char* label;
-    bool hot;
-};
-
-constexpr std::array<ScaleMark, 5> stormScale{{
-    {0.0, "0", false},
-    {0.25, "25", false},
-    {0.5, "50", false},
-    {0.75, "75", false},
-    {1.0, "100", true},
-}};
 
 constexpr double canvasInset = 6.0;
 
@@ -90,7 +75,7 @@ void StormVUMeterView::paintBackground(QPainter& painter, const QSizeF& size) co
     painter.translate(canvasInset, canvasInset);
     const Track track = trackFor(canvas);
     const double h = canvas.height();
-    for (const ScaleMark& mark : stormScale) {
+    for (const PercentMark& mark : themedPercentScale) {
         const double x = track.left + track.length * mark.position;
         const QColor colour = mark.hot ? Storm::ember() : Storm::silver();
         painter.setPen(QPen(withOpacity(colour, 0.7), 1));
