@@ -8,119 +8,17 @@
 #include <deque>
 #include <vector>
 
+#include "meters/BoxBlur.h"
+
 namespace corvanel::meters {
 
 namespace {
 
-// Widths of three successive box filters whose combination approximates a Gaussian of `sigma`.
-std::array<int, 3> boxRadiiFor(double sigma) {
-    constexpr int passes = 3;
-    const double ideal = std::sqrt(12.0 * sigma * sigma / passes + 1.0);
-    int lower = static_cast<int>(std::floor(ideal));
-    if (lower % 2 == 0) --lower;
-    const int upper = lower + 2;
-    const double m =
-        (12.0 * sigma * sigma - passes * lower * lower - 4.0 * passes * lower - 3.0 * passes) /
-        (-4.0 * lower - 4.0);
-    const int lowerCount = static_cast<int>(std::lround(m));
-    std::array<int, 3> radii{};
-    for (int i = 0; i < passes; ++i)
-        radii[static_cast<std::size_t>(i)] = ((i < lowerCount ? lower : upper) - 1) / 2;
-    return radii;
-}
-
-// Running-sum box passes between two buffers of `width` x `height` samples of `channels`
-// interleaved channels, `line` bytes per row. Outside the image counts as transparent, like a
-// layer's surroundings. The vertical pass keeps one running sum per column and walks the rows,
-// so it reads memory in order.
-struct BoxBlur {
-    int width;
-    int height;
-    int channels;
-    std::ptrdiff_t line;
-    std::vector<std::uint32_t>& sums;
-
-    // 32-bit fixed point keeps the inner loops vectorisable: a sum is at most 255 * (2r + 1),
-    // so sum * (2^24 / (2r + 1)) stays below 2^32.
-    static std::uint32_t reciprocal(int radius) {
-        return (std::uint32_t{1} << 24) / static_cast<std::uint32_t>(2 * radius + 1);
-    }
-    static std::uint8_t average(std::uint32_t sum, std::uint32_t reciprocal) {
-        return static_cast<std::uint8_t>((sum * reciprocal + (std::uint32_t{1} << 23)) >> 24);
-    }
-
-    void horizontal(const std::uint8_t* source, std::uint8_t* target, int radius) {
-        const std::uint32_t r = reciprocal(radius);
-        for (int y = 0; y < height; ++y) {
-            const std::uint8_t* in = source + y * line;
-            std::uint8_t* out = target + y * line;
-            for (int c = 0; c < channels; ++c) {
-                std::uint32_t sum = 0;
-                for (int x = 0; x <= std::min(radius, width - 1); ++x)
-                    sum += in[x * channels + c];
-                for (int x = 0; x < width; ++x) {
-                    out[x * channels + c] = average(sum, r);
-                    const int entering = x + radius + 1;
-                    const int leaving = x - radius;
-                    if (entering < width) sum += in[entering * channels + c];
-                    if (leaving >= 0) sum -= in[leaving * channels + c];
-                }
-            }
-        }
-    }
-
-    void vertical(const std::uint8_t* source, std::uint8_t* target, int radius) {
-        const std::uint32_t r = reciprocal(radius);
-        const int rowSamples = width * channels;
-        sums.assign(static_cast<std::size_t>(rowSamples), 0);
-        for (int y = 0; y <= std::min(radius, height - 1); ++y)
-            for (int i = 0; i < rowSamples; ++i)
-                sums[static_cast<std::size_t>(i)] += source[y * line + i];
-        for (int y = 0; y < height; ++y) {
-            std::uint8_t* out = target + y * line;
-            const int entering = y + radius + 1;
-            const int leaving = y - radius;
-            std::uint32_t* sum = sums.data();
-            for (int i = 0; i < rowSamples; ++i)
-                out[i] = average(sum[i], r);
-            if (entering < height) {
-                const std::uint8_t* incoming = source + entering * line;
-                for (int i = 0; i < rowSamples; ++i)
-                    sum[i] += incoming[i];
-            }
-            if (leaving >= 0) {
-                const std::uint8_t* outgoing = source + leaving * line;
-                for (int i = 0; i < rowSamples; ++i)
-                    sum[i] -= outgoing[i];
-            }
-        }
-    }
-};
-
-// Scratch memory kept per thread between frames, so a steady stream of frames allocates nothing.
-std::vector<std::uint8_t>& blurSpare() {
-    thread_local std::vector<std::uint8_t> spare;
-    return spare;
-}
-
-std::vector<std::uint32_t>& blurSums() {
+// Scratch sums for shrinking, kept per thread so that a steady stream of frames allocates
+// nothing.
+std::vector<std::uint32_t>& shrinkSums() {
     thread_local std::vector<std::uint32_t> sums;
     return sums;
-}
-
-void blurChannels(QImage& image, int channels, double sigma) {
-    if (!(sigma > 0.2) || image.isNull()) return;
-    const std::array<int, 3> radii = boxRadiiFor(sigma);
-    std::vector<std::uint32_t>& sums = blurSums();
-    BoxBlur blur{image.width(), image.height(), channels, image.bytesPerLine(), sums};
-    std::vector<std::uint8_t>& spare = blurSpare();
-    spare.resize(static_cast<std::size_t>(image.sizeInBytes()));
-    std::uint8_t* bits = image.bits();
-    for (const int radius : radii) {
-        if (radius <= 0) continue;
-        blur.horizontal(bits, spare.data(), radius);
-        blur.vertical(spare.data(), bits, radius);
-    }
 }
 
 // How much a blur of `sigma` pixels lets its layer shrink first: a wide Gaussian holds no detail
@@ -128,8 +26,17 @@ void blurChannels(QImage& image, int channels, double sigma) {
 // the same and costs a quarter or a sixteenth.
 int reductionFor(double sigma, const QSize& size) {
     if (sigma >= 4.0 && size.width() > 16 && size.height() > 16) return 4;
-    if (sigma >= 3.0 && size.width() > 8 && size.height() > 8) return 2;
+    if (sigma >= 2.0 && size.width() > 8 && size.height() > 8) return 2;
     return 1;
+}
+
+// The blur to apply to a copy shrunk by `factor`: averaging factor x factor blocks and stretching
+// back bilinearly already spread the layer by a variance of factor^2 / 4 pixels^2, so only the
+// rest is left to the blur.
+double reducedSigma(double sigma, int factor) {
+    if (factor == 1) return sigma;
+    const double resampling = factor * factor / 4.0;
+    return std::sqrt(std::max(sigma * sigma - resampling, 0.0)) / factor;
 }
 
 // Resizes `image` to `size` and `format` only when it differs, then clears it.
@@ -149,7 +56,7 @@ void shrink(const QImage& source, int factor, bool alphaOnly, QImage& target) {
     const int channels = alphaOnly ? 1 : 4;
     const int columns = source.width();
     const int rows = source.height();
-    std::vector<std::uint32_t>& sums = blurSums();
+    std::vector<std::uint32_t>& sums = shrinkSums();
     for (int ty = 0; ty < size.height(); ++ty) {
         sums.assign(static_cast<std::size_t>(size.width() * channels), 0);
         const int lastRow = std::min(rows, (ty + 1) * factor);
@@ -256,30 +163,38 @@ class Scratch {
 };
 
 // Renders `content` into `image`, a transparent image covering `bounds` grown by `margin` points;
-// returns that area in the painter's coordinates.
-QRectF renderLayer(const QPainter& painter, const QRectF& bounds, double margin,
-                   const LayerContent& content, QImage& image) {
-    const double scale = pixelScale(painter);
+// returns where the image lies on the device. The layer keeps whole device pixels, so it goes
+// back pixel for pixel: no resampling blurs or shifts it, and Qt can blend it as a plain copy.
+QRect renderLayer(const QPainter& painter, const QRectF& bounds, double margin,
+                  const LayerContent& content, QImage& image) {
+    const QTransform toDevice = painter.deviceTransform();
     const QRectF area = bounds.adjusted(-margin, -margin, margin, margin);
-    const QSize pixels(std::max(1, static_cast<int>(std::ceil(area.width() * scale))),
-                       std::max(1, static_cast<int>(std::ceil(area.height() * scale))));
-    reuse(image, pixels, QImage::Format_ARGB32_Premultiplied);
+    QRect pixels = toDevice.mapRect(area).toAlignedRect();
+    pixels.setSize(pixels.size().expandedTo(QSize(1, 1)));
+    reuse(image, pixels.size(), QImage::Format_ARGB32_Premultiplied);
     QPainter layer(&image);
     layer.setRenderHints(painter.renderHints());
-    layer.scale(scale, scale);
-    layer.translate(-area.topLeft());
+    layer.setTransform(toDevice * QTransform::fromTranslate(-pixels.left(), -pixels.top()));
     content(layer);
     layer.end();
-    return area;
+    return pixels;
 }
 
-// Where a copy of a layer image covering `area` goes once shrunk by `factor`: the shrunk image
-// covers whole blocks, so it may reach up to a block past the layer's own edge.
-QRectF reducedArea(const QRectF& area, const QSize& layer, int factor) {
-    const int columns = (layer.width() + factor - 1) / factor * factor;
-    const int rows = (layer.height() + factor - 1) / factor * factor;
-    return QRectF(area.topLeft(), QSizeF(area.width() * columns / layer.width(),
-                                         area.height() * rows / layer.height()));
+// Where a copy of a layer image on `pixels` goes once shrunk by `factor`: the shrunk image covers
+// whole blocks, so it may reach up to a block past the layer's own edge.
+QRectF reducedArea(const QRect& pixels, const QImage& reduced, int factor) {
+    return QRectF(pixels.topLeft(), QSizeF(reduced.width() * factor, reduced.height() * factor));
+}
+
+// Draws `image` over the device rectangle `pixels`, whatever the painter's transform.
+void drawOnDevice(QPainter& painter, const QRectF& pixels, const QImage& image) {
+    const double ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
+    painter.save();
+    painter.resetTransform();
+    if (image.size() != pixels.size().toSize() || pixels.topLeft() != pixels.topLeft().toPoint())
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(pixels.topLeft() / ratio, pixels.size() / ratio), image);
+    painter.restore();
 }
 
 // The shadow of `layer` into `scratch.shadow`, at the reduction its width allows.
@@ -289,7 +204,7 @@ void castShadow(const QImage& layer, const QColor& colour, double sigma, Scratch
         shrink(layer, factor, true, scratch.alpha);
     else
         coverageOf(layer, scratch.alpha);
-    blurAlpha(scratch.alpha, sigma / factor);
+    blurAlpha(scratch.alpha, reducedSigma(sigma, factor));
     tint(scratch.alpha, colour, scratch.shadow);
 }
 
@@ -307,29 +222,20 @@ QImage shadowImage(const QImage& layer, const QColor& colour, double sigma) {
     return scratch.shadow;
 }
 
-void blurAlpha(QImage& alpha, double sigma) {
-    blurChannels(alpha, 1, sigma);
-}
-
-void blurImage(QImage& image, double sigma) {
-    blurChannels(image, 4, sigma);
-}
-
 void drawWithShadow(QPainter& painter, const QRectF& bounds, const Shadow& shadow,
                     const LayerContent& content) {
     Scratch scratch;
     ScratchSet& images = scratch.set();
     const double margin = shadow.radius * 1.5 + 1.0;
-    const QRectF area = renderLayer(painter, bounds, margin, content, images.layer);
+    const QRect pixels = renderLayer(painter, bounds, margin, content, images.layer);
     const double sigma = shadow.radius / 2.0 * pixelScale(painter);
     castShadow(images.layer, shadow.colour, sigma, images);
     const int factor = reductionFor(sigma, images.layer.size());
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(reducedArea(area, images.layer.size(), factor).translated(shadow.offset),
-                      images.shadow);
-    painter.restore();
-    painter.drawImage(area, images.layer);
+    const QTransform toDevice = painter.deviceTransform();
+    const QPointF offset = toDevice.map(shadow.offset) - toDevice.map(QPointF());
+    drawOnDevice(painter, reducedArea(pixels, images.shadow, factor).translated(offset),
+                 images.shadow);
+    drawOnDevice(painter, QRectF(pixels), images.layer);
 }
 
 void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour, double radius,
@@ -341,7 +247,7 @@ void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
                  const LayerContent& content) {
     Scratch scratch;
     ScratchSet& images = scratch.set();
-    const QRectF area = renderLayer(painter, bounds, radius * 1.5 + 1.0, content, images.layer);
+    const QRect pixels = renderLayer(painter, bounds, radius * 1.5 + 1.0, content, images.layer);
     const double sigma = radius / 2.0 * pixelScale(painter);
     const int factor = reductionFor(sigma, images.layer.size());
     QImage* blurred = &images.layer;
@@ -349,11 +255,8 @@ void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
         shrink(images.layer, factor, false, images.reduced);
         blurred = &images.reduced;
     }
-    blurImage(*blurred, sigma / factor);
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(reducedArea(area, images.layer.size(), factor), *blurred);
-    painter.restore();
+    blurImage(*blurred, reducedSigma(sigma, factor));
+    drawOnDevice(painter, reducedArea(pixels, *blurred, factor), *blurred);
 }
 
 }  // namespace corvanel::meters

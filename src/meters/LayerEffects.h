@@ -1,8 +1,8 @@
 #pragma once
 // Layer filters for the meters: drop shadow, glow (a shadow with no offset, so everything in the
 // layer glows) and Gaussian blur. The layer is drawn into an offscreen image at the painter's
-// pixel scale, blurred with three box passes per axis (a close, fast Gaussian approximation), and
-// composited back. Radii are in points and act as twice the Gaussian's standard deviation.
+// pixel scale, blurred (BoxBlur.h) and composited back. Radii are in points and act as twice the
+// Gaussian's standard deviation.
 #include <QColor>
 #include <QImage>
 #include <QPainter>
@@ -32,11 +32,6 @@ void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour,
 // Blur(r): the layer itself drawn through a Gaussian blur.
 void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
                  const LayerContent& content);
-
-// The in-place blurs behind the filters; sigma in pixels. `alpha` must be Format_Alpha8 and
-// `image` Format_ARGB32_Premultiplied.
-void blurAlpha(QImage& alpha, double sigma);
-void blurImage(QImage& image, double sigma);
 
 // The shadow a layer image casts: its coverage blurred by `sigma` pixels, tinted with `colour`.
 // A wide shadow comes back at a reduced resolution: draw it stretched over the layer's area.

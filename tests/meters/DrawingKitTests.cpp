@@ -7,6 +7,7 @@
 #include <set>
 
 #include "Probe.h"
+#include "meters/BoxBlur.h"
 #include "meters/ContinuousRect.h"
 #include "meters/LayerEffects.h"
 #include "meters/Noise.h"
@@ -145,6 +146,60 @@ TEST(LayerEffects, BlurSpreadsAPointLikeAGaussian) {
     EXPECT_NEAR(std::sqrt(spread / total), sigma, 0.6);
     EXPECT_EQ(image.pixelColor(25, 30).alpha(), image.pixelColor(35, 30).alpha());
     EXPECT_GT(image.pixelColor(30, 30).alpha(), image.pixelColor(30, 36).alpha());
+}
+
+TEST(LayerEffects, CoverageBlurKeepsItsMassAndShapeOnOddSizedImages) {
+    // 37 columns leave padding at the end of every Alpha8 row; the point sits off-centre so a
+    // transposition mix-up would move or stretch it.
+    QImage alpha(37, 23, QImage::Format_Alpha8);
+    alpha.fill(0);
+    alpha.scanLine(9)[14] = 255;
+    QImage argb(37, 23, QImage::Format_ARGB32_Premultiplied);
+    argb.fill(Qt::transparent);
+    argb.setPixelColor(14, 9, Qt::white);
+    blurAlpha(alpha, 2.0);
+    blurImage(argb, 2.0);
+
+    int total = 0, brightestX = 0, brightestY = 0;
+    for (int y = 0; y < 23; ++y) {
+        for (int x = 0; x < 37; ++x) {
+            const int a = alpha.constScanLine(y)[x];
+            total += a;
+            if (a > alpha.constScanLine(brightestY)[brightestX]) brightestX = x, brightestY = y;
+            ASSERT_EQ(a, argb.pixelColor(x, y).alpha()) << x << "," << y;
+        }
+    }
+    EXPECT_EQ(brightestX, 14);
+    EXPECT_EQ(brightestY, 9);
+    EXPECT_NEAR(total, 255, 20);  // rounding each pass loses or gains a little
+    EXPECT_EQ(alpha.constScanLine(9)[11], alpha.constScanLine(9)[17]);
+    EXPECT_EQ(alpha.constScanLine(6)[14], alpha.constScanLine(12)[14]);
+}
+
+TEST(LayerEffects, WideGlowsBlurredAtReducedSizeSpreadLikeFullSizeOnes) {
+    // A one-pixel line glowing with radius r spreads like a Gaussian of r / 2 across it: sigma
+    // 1.5 is blurred at full size, 2.5 at half size and 5 at quarter size. Reduced copies may
+    // move the glow by up to half a block.
+    for (const double sigma : {1.5, 2.5, 5.0}) {
+        const QRectF line(40, 0, 1, 81);
+        const QImage image = probe::render({81, 81}, [&](QPainter& p) {
+            drawWithGlow(p, line, Qt::black, 2 * sigma,
+                         [&](QPainter& layer) { layer.fillRect(line, Qt::white); });
+        });
+        double total = 0, mean = 0, spread = 0;
+        for (int x = 0; x < 81; ++x) {
+            if (x == 40) continue;  // the layer itself sits on top
+            const double a = image.pixelColor(x, 40).alphaF();
+            total += a;
+            mean += a * x;
+            spread += a * x * x;
+        }
+        mean /= total;
+        const double deviation = std::sqrt(spread / total - mean * mean);
+        const double tolerance = sigma < 2 ? 0.1 : (sigma < 4 ? 0.7 : 1.7);
+        EXPECT_NEAR(mean, 40, tolerance) << sigma;
+        EXPECT_NEAR(deviation, sigma, 0.15 * sigma) << sigma;
+    }
 }
 
 TEST(LayerEffects, ShadowFallsAtItsOffsetAndTheLayerStaysOnTop) {

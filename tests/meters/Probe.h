@@ -41,6 +41,15 @@ inline double brightness(const QColor& c) {
     return (c.red() + c.green() + c.blue()) / 3.0;
 }
 
+// The brightest of the pixels within `reach` points left and right of `point`, for lines that
+// wander about their nominal place.
+inline double brightestAcross(const QImage& image, QPointF point, double reach) {
+    double best = 0;
+    for (double dx = -reach; dx <= reach; dx += 1.0 / image.devicePixelRatio())
+        best = std::max(best, brightness(at(image, point + QPointF(dx, 0))));
+    return best;
+}
+
 inline QColor rgbColour(double r, double g, double b) {
     return QColor::fromRgbF(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b));
 }
