@@ -4,57 +4,30 @@
 
 #include <QGuiApplication>
 #include <QImage>
-#include <QPainter>
-#include <cmath>
 #include <memory>
 #include <vector>
 
+#include "MeterFrame.h"
 #include "app/MeterRendererFactory.h"
 #include "app/PanelMeterStyle.h"
-#include "meters/MeterValues.h"
 #include "meters/SpectrumBarsView.h"
 
 namespace {
 
 using corvanel::PanelHeightGroup;
 using corvanel::PanelMeterStyle;
-using corvanel::meters::MeterValues;
-
-// Two alternating sets of music-like values, so every frame draws a change.
-MeterValues valuesForFrame(int frame) {
-    MeterValues values;
-    for (int i = 0; i < 40; ++i) {
-        const double level = 0.45 + 0.35 * std::sin(i * 0.37 + frame * 0.9);
-        values.levels.push_back(static_cast<float>(level));
-        values.peaks.push_back(static_cast<float>(std::min(1.0, level + 0.12)));
-    }
-    values.left = static_cast<float>(0.6 + 0.2 * std::sin(frame * 1.3));
-    values.right = static_cast<float>(0.55 + 0.2 * std::cos(frame * 1.1));
-    return values;
-}
 
 void panelStyleFrame(benchmark::State& state, PanelMeterStyle style) {
     const QSize size =
         style.heightGroup() == PanelHeightGroup::tall ? QSize(500, 560) : QSize(500, 300);
-    QImage target(size, QImage::Format_ARGB32_Premultiplied);
     const std::unique_ptr<corvanel::meters::MeterRenderer> renderer =
         corvanel::makeMeterRenderer(style);
-    const MeterValues frames[] = {valuesForFrame(0), valuesForFrame(1)};
-    int frame = 0;
-    for (auto _ : state) {
-        renderer->setValues(frames[frame++ % 2]);
-        renderer->step(1.0 / 60);
-        target.fill(Qt::transparent);
-        QPainter painter(&target);
-        painter.setRenderHint(QPainter::Antialiasing);
-        renderer->paint(painter, QSizeF(size));
-        painter.end();
-        benchmark::DoNotOptimize(target.constBits());
-    }
+    corvanel::bench::runMeterFrames(state, *renderer, size, 0.75);
 }
 
 void labelImage(benchmark::State& state) {
-    const std::vector<float> frames[] = {valuesForFrame(0).levels, valuesForFrame(1).levels};
+    const std::vector<float> frames[] = {corvanel::bench::valuesForFrame(0, 0.75).levels,
+                                         corvanel::bench::valuesForFrame(1, 0.75).levels};
     int frame = 0;
     for (auto _ : state) {
         const QImage image = corvanel::meters::SpectrumBarsView::menuBarImage(
@@ -72,7 +45,8 @@ int main(int argc, char** argv) {
     for (const PanelMeterStyle style : PanelMeterStyle::allCases()) {
         const std::string name = "PanelStyleFrame/" + std::string(style.rawValue());
         benchmark::RegisterBenchmark(name.c_str(), panelStyleFrame, style)
-            ->Unit(benchmark::kMillisecond);
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
     }
     benchmark::RegisterBenchmark("MenuBarLabelImage", labelImage)->Unit(benchmark::kMicrosecond);
     benchmark::Initialize(&argc, argv);

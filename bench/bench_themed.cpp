@@ -6,67 +6,40 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
-#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "MeterFrame.h"
 #include "app/MeterRendererFactory.h"
 #include "meters/CandleRoom.h"
 #include "meters/CandlelightScene.h"
-#include "meters/MeterValues.h"
+#include "meters/FramePainter.h"
 
 namespace {
 
-using corvanel::meters::MeterValues;
-
-// Two alternating sets of music-like values, so every frame draws a change.
-MeterValues valuesForFrame(int frame, double loudness) {
-    MeterValues values;
-    for (int i = 0; i < 40; ++i) {
-        const double level = loudness * (0.6 + 0.4 * std::sin(i * 0.37 + frame * 0.9));
-        values.levels.push_back(static_cast<float>(level));
-        values.peaks.push_back(static_cast<float>(std::min(1.0, level + 0.12)));
-    }
-    values.left = static_cast<float>(0.6 + 0.2 * std::sin(frame * 1.3));
-    values.right = static_cast<float>(0.55 + 0.2 * std::cos(frame * 1.1));
-    return values;
-}
-
 void themedStyleFrame(benchmark::State& state, const std::string& rawValue) {
-    const QSize size(500, 560);
-    QImage target(size, QImage::Format_ARGB32_Premultiplied);
     const auto renderer = corvanel::makeMeterRenderer(rawValue);
-    const MeterValues frames[] = {valuesForFrame(0, 0.8), valuesForFrame(1, 0.8)};
-    int frame = 0;
-    for (auto _ : state) {
-        renderer->setValues(frames[frame++ % 2]);
-        renderer->step(1.0 / 60);
-        target.fill(Qt::transparent);
-        QPainter painter(&target);
-        painter.setRenderHint(QPainter::Antialiasing);
-        renderer->paint(painter, QSizeF(size));
-        painter.end();
-        benchmark::DoNotOptimize(target.constBits());
-    }
+    corvanel::bench::runMeterFrames(state, *renderer, QSize(500, 560), 0.8);
 }
 
 void visualizerFrame(benchmark::State& state, double loudness) {
-    QImage target(960, 600, QImage::Format_ARGB32_Premultiplied);
+    const QSize size(960, 600);
     const QImage& room = corvanel::meters::candleRoom();
     corvanel::meters::CandlelightLayers layers;
-    const std::vector<float> frames[] = {valuesForFrame(0, loudness).levels,
-                                         valuesForFrame(1, loudness).levels};
+    corvanel::meters::FramePainter painter;
+    const std::vector<float> frames[] = {corvanel::bench::valuesForFrame(0, loudness).levels,
+                                         corvanel::bench::valuesForFrame(1, loudness).levels};
     double time = 785'000'000.0;
     int frame = 0;
     for (auto _ : state) {
         time += 1.0 / 30;
-        target.fill(Qt::black);
-        QPainter painter(&target);
-        corvanel::meters::CandlelightScene(frames[frame++ % 2], time)
-            .paint(painter, QSizeF(960, 600), room, layers);
-        painter.end();
-        benchmark::DoNotOptimize(target.constBits());
+        const corvanel::meters::CandlelightScene scene(frames[frame++ % 2], time);
+        const QImage& image = painter.paint(size, 1.0, [&](QPainter& p) {
+            p.fillRect(QRect(QPoint(), size), Qt::black);
+            scene.paint(p, QSizeF(size), room, layers);
+        });
+        benchmark::DoNotOptimize(image.constBits());
     }
 }
 
@@ -80,12 +53,15 @@ int main(int argc, char** argv) {
          {"inferno", "valhalla", "futuristicrack", "vintageconsole", "pulsar"}) {
         benchmark::RegisterBenchmark(("ThemedStyleFrame/" + std::string(style)).c_str(),
                                      themedStyleFrame, std::string(style))
-            ->Unit(benchmark::kMillisecond);
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
     }
     benchmark::RegisterBenchmark("VisualizerFrame/quiet", visualizerFrame, 0.2)
-        ->Unit(benchmark::kMillisecond);
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
     benchmark::RegisterBenchmark("VisualizerFrame/loud", visualizerFrame, 0.7)
-        ->Unit(benchmark::kMillisecond);
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

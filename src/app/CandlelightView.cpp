@@ -40,11 +40,13 @@ CandlelightView::~CandlelightView() {
 }
 
 void CandlelightView::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.fillRect(rect(), Qt::black);
     const std::vector<float> levels = analyzer_ ? analyzer_->levels() : std::vector<float>();
-    meters::CandlelightScene(levels, clock_())
-        .paint(painter, QSizeF(size()), meters::candleRoom(), layers_);
+    const meters::CandlelightScene scene(levels, clock_());
+    const QImage& frame = framePainter_.paint(size(), devicePixelRatioF(), [&](QPainter& p) {
+        p.fillRect(rect(), Qt::black);
+        scene.paint(p, QSizeF(size()), meters::candleRoom(), layers_);
+    });
+    QPainter(this).drawImage(QPointF(), frame);
 }
 
 void CandlelightView::showEvent(QShowEvent* event) {

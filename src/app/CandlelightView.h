@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "meters/CandlelightLayers.h"
+#include "meters/FramePainter.h"
 #include "platform/Signal.h"
 
 namespace corvanel {
@@ -45,6 +46,7 @@ class CandlelightView final : public QWidget {
     Connection valuesConnection_;
     QTimer frameClock_;
     meters::CandlelightLayers layers_;
+    meters::FramePainter framePainter_;
     bool counted_ = false;  // counted as a visible meter window with the analyzer
 };
 

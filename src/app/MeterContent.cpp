@@ -77,10 +77,9 @@ void MeterContent::frame() {
 }
 
 void MeterContent::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setRenderHint(QPainter::TextAntialiasing);
-    renderer_->paint(painter, QSizeF(size()));
+    const QImage& frame = framePainter_.paint(
+        size(), devicePixelRatioF(), [this](QPainter& p) { renderer_->paint(p, QSizeF(size())); });
+    QPainter(this).drawImage(QPointF(), frame);
 }
 
 void MeterContent::showEvent(QShowEvent* event) {

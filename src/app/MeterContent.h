@@ -8,6 +8,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "meters/FramePainter.h"
 #include "meters/MeterRenderer.h"
 #include "meters/MeterValues.h"
 #include "platform/Signal.h"
@@ -49,6 +50,7 @@ class MeterContent final : public QWidget {
     std::shared_ptr<SpectrumAnalyzer> analyzer_;
     QString style_;
     std::unique_ptr<meters::MeterRenderer> renderer_;
+    meters::FramePainter framePainter_;
     meters::MeterValues values_;
     Connection valuesConnection_;
     QTimer frameClock_;
