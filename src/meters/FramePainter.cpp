@@ -12,20 +12,24 @@ const QImage& FramePainter::paint(const QSize& size, double ratio, const Content
                        std::max(1, static_cast<int>(std::ceil(size.height() * ratio))));
     if (image_.size() != pixels) image_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     image_.setDevicePixelRatio(ratio);
-    QSemaphore done;
-    // A reserved thread starts at once even while the pool is busy with background work.
-    QThreadPool* pool = QThreadPool::globalInstance();
-    pool->reserveThread();
-    pool->startOnReservedThread([&] {
+    const auto paintFrame = [&] {
         image_.fill(Qt::transparent);
         QPainter painter(&image_);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::TextAntialiasing);
         content(painter);
-        painter.end();
+    };
+    QSemaphore done;
+    const bool started = QThreadPool::globalInstance()->tryStart([&] {
+        paintFrame();
         done.release();
     });
-    done.acquire();
+    // With every pool thread taken by someone else's work, the frame is painted right here
+    // rather than queued behind it.
+    if (started)
+        done.acquire();
+    else
+        paintFrame();
     return image_;
 }
 

@@ -18,7 +18,7 @@ class FramePainter {
 
     // Clears the image to `size` points at `ratio` device pixels per point, paints `content`
     // on it (antialiased) and returns it. The caller is blocked meanwhile, so `content` may use
-    // anything the caller owns.
+    // anything the caller owns. When no pool thread is free, the caller paints it itself.
     const QImage& paint(const QSize& size, double ratio, const Content& content);
 
   private:

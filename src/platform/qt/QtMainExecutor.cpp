@@ -1,7 +1,6 @@
 #include "platform/qt/QtMainExecutor.h"
 
 #include <QMetaObject>
-#include <QThreadPool>
 #include <QTimer>
 
 namespace corvanel {
@@ -20,7 +19,7 @@ void QtMainExecutor::postAfter(std::chrono::nanoseconds delay, Work work) {
 }
 
 void QtMainExecutor::runInBackground(Work work) {
-    QThreadPool::globalInstance()->start(std::move(work));
+    background_.start(std::move(work));
 }
 
 MonoTime QtMainExecutor::monotonicNow() const {

@@ -2,6 +2,7 @@
 // The MainExecutor of a running application: the Qt event loop of the GUI thread, a thread
 // pool for blocking work, and the real clocks.
 #include <QObject>
+#include <QThreadPool>
 
 #include "platform/MainExecutor.h"
 
@@ -22,6 +23,9 @@ class QtMainExecutor final : public MainExecutor {
     // Lives on the GUI thread; queued work is delivered through its event queue and dropped
     // with it.
     QObject context_;
+    // Our own pool: Qt's global one paints the meters' frames and must not wait behind a scan.
+    // Destroyed first, so work that finishes meanwhile can still post to the context.
+    QThreadPool background_;
 };
 
 }  // namespace corvanel
