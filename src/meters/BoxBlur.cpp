@@ -29,6 +29,24 @@ std::array<int, 3> boxRadiiFor(double sigma) {
     return radii;
 }
 
+// The passes along each axis: up to three boxes, then a three-tap pass [w, 1 - 2w, w] for the
+// variance whole box widths fall short of (it matters for small sigmas, where a single box of
+// width 3 is already too wide). `tapWeight` is w in 1/256.
+struct BlurPlan {
+    std::array<int, 3> radii;
+    int tapWeight;
+};
+
+BlurPlan planFor(double sigma) {
+    BlurPlan plan{boxRadiiFor(sigma), 0};
+    double variance = sigma * sigma;
+    for (const int r : plan.radii)
+        variance -= r * (r + 1) / 3.0;  // a box of 2r + 1 samples
+    // One tap pass carries a variance of up to 2/3.
+    plan.tapWeight = static_cast<int>(std::lround(std::clamp(variance / 2.0, 0.0, 1.0 / 3) * 256));
+    return plan;
+}
+
 // `rows` rows of `samples` bytes, `line` bytes apart.
 struct Plane {
     std::uint8_t* bits;
@@ -84,6 +102,24 @@ void boxDown(const Plane& source, const Plane& target, int radius, std::int32_t*
     }
 }
 
+void tapRow(const std::uint8_t* __restrict above, const std::uint8_t* __restrict middle,
+            const std::uint8_t* __restrict below, std::uint8_t* __restrict out, int samples,
+            int weight) {
+    const int centre = 256 - 2 * weight;
+    for (int i = 0; i < samples; ++i)
+        out[i] = static_cast<std::uint8_t>(
+            (weight * (above[i] + below[i]) + centre * middle[i] + 128) >> 8);
+}
+
+// The three-tap pass down the columns of `source` into `target`; `zeros` is a row of nothing,
+// for above the first row and below the last.
+void tapsDown(const Plane& source, const Plane& target, int weight, const std::uint8_t* zeros) {
+    for (int y = 0; y < source.rows; ++y)
+        tapRow(y > 0 ? source.row(y - 1) : zeros, source.row(y),
+               y + 1 < source.rows ? source.row(y + 1) : zeros, target.row(y), source.samples,
+               weight);
+}
+
 // `target` becomes `source` mirrored about its diagonal, in tiles that stay in the cache.
 template <typename Pixel>
 void transpose(const Plane& source, const Plane& target) {
@@ -106,6 +142,7 @@ void transpose(const Plane& source, const Plane& target) {
 // nothing. Words keep every row aligned for whole-pixel access.
 struct BlurScratch {
     std::vector<std::int32_t> sums;
+    std::vector<std::uint8_t> zeros;
     std::vector<std::uint32_t> spare;
     std::vector<std::uint32_t> turned;
     std::vector<std::uint32_t> turnedSpare;
@@ -121,16 +158,21 @@ std::uint8_t* bytes(std::vector<std::uint32_t>& words, std::size_t count) {
     return reinterpret_cast<std::uint8_t*>(words.data());
 }
 
-// Box passes along one axis, alternating between `plane` and `spare`; returns where the result
-// ended up.
-const Plane& boxPasses(const std::array<int, 3>& radii, const Plane& plane, const Plane& spare,
-                       std::vector<std::int32_t>& sums) {
-    sums.resize(static_cast<std::size_t>(plane.samples));
+// The plan's passes along one axis, alternating between `plane` and `spare`; returns where the
+// result ended up.
+const Plane& axisPasses(const BlurPlan& plan, const Plane& plane, const Plane& spare,
+                        BlurScratch& scratch) {
+    scratch.sums.resize(static_cast<std::size_t>(plane.samples));
     const Plane* from = &plane;
     const Plane* to = &spare;
-    for (const int radius : radii) {
+    for (const int radius : plan.radii) {
         if (radius <= 0) continue;
-        boxDown(*from, *to, radius, sums.data());
+        boxDown(*from, *to, radius, scratch.sums.data());
+        std::swap(from, to);
+    }
+    if (plan.tapWeight > 0) {
+        scratch.zeros.assign(static_cast<std::size_t>(plane.samples), 0);
+        tapsDown(*from, *to, plan.tapWeight, scratch.zeros.data());
         std::swap(from, to);
     }
     return *from;
@@ -140,7 +182,7 @@ const Plane& boxPasses(const std::array<int, 3>& radii, const Plane& plane, cons
 template <typename Pixel>
 void blurPixels(QImage& image, double sigma) {
     if (!(sigma > 0.2) || image.isNull()) return;
-    const std::array<int, 3> radii = boxRadiiFor(sigma);
+    const BlurPlan plan = planFor(sigma);
     BlurScratch& scratch = blurScratch();
     constexpr int size = static_cast<int>(sizeof(Pixel));
     const int width = image.width();
@@ -152,14 +194,14 @@ void blurPixels(QImage& image, double sigma) {
     const Plane upright{image.bits(), width * size, height, line};
     const Plane uprightSpare{bytes(scratch.spare, static_cast<std::size_t>(image.sizeInBytes())),
                              width * size, height, line};
-    const Plane& down = boxPasses(radii, upright, uprightSpare, scratch.sums);
+    const Plane& down = axisPasses(plan, upright, uprightSpare, scratch);
 
     const std::size_t turnedBytes = static_cast<std::size_t>(width) * height * size;
     const Plane turned{bytes(scratch.turned, turnedBytes), height * size, width, height * size};
     const Plane turnedSpare{bytes(scratch.turnedSpare, turnedBytes), height * size, width,
                             height * size};
     transpose<Pixel>(down, turned);
-    transpose<Pixel>(boxPasses(radii, turned, turnedSpare, scratch.sums), upright);
+    transpose<Pixel>(axisPasses(plan, turned, turnedSpare, scratch), upright);
 }
 
 }  // namespace

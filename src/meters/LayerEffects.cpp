@@ -26,7 +26,7 @@ std::vector<std::uint32_t>& shrinkSums() {
 // the same and costs a quarter or a sixteenth.
 int reductionFor(double sigma, const QSize& size) {
     if (sigma >= 4.0 && size.width() > 16 && size.height() > 16) return 4;
-    if (sigma >= 2.0 && size.width() > 8 && size.height() > 8) return 2;
+    if (sigma >= 1.5 && size.width() > 8 && size.height() > 8) return 2;
     return 1;
 }
 
@@ -45,51 +45,32 @@ void reuse(QImage& image, const QSize& size, QImage::Format format) {
     image.fill(0);
 }
 
-// `target` becomes `source` shrunk by `factor`, each pixel the mean of a factor x factor block
-// (pixels past the edge count as transparent). With `alphaOnly` the target is Format_Alpha8 and
-// keeps only coverage; otherwise it stays premultiplied ARGB.
-void shrink(const QImage& source, int factor, bool alphaOnly, QImage& target) {
+// `target` becomes the coverage of `source` shrunk by `factor` (2 or 4), each pixel the mean
+// alpha of a factor x factor block; pixels past the edge count as transparent.
+void shrinkCoverage(const QImage& source, int factor, QImage& target) {
     const QSize size((source.width() + factor - 1) / factor,
                      (source.height() + factor - 1) / factor);
-    reuse(target, size, alphaOnly ? QImage::Format_Alpha8 : QImage::Format_ARGB32_Premultiplied);
-    const int area = factor * factor;
-    const int channels = alphaOnly ? 1 : 4;
+    reuse(target, size, QImage::Format_Alpha8);
+    const int shift = factor == 4 ? 4 : 2;  // log2 of the block's area
     const int columns = source.width();
-    const int rows = source.height();
     std::vector<std::uint32_t>& sums = shrinkSums();
     for (int ty = 0; ty < size.height(); ++ty) {
-        sums.assign(static_cast<std::size_t>(size.width() * channels), 0);
-        const int lastRow = std::min(rows, (ty + 1) * factor);
+        sums.assign(static_cast<std::size_t>(size.width()), 0);
+        const int lastRow = std::min(source.height(), (ty + 1) * factor);
         for (int sy = ty * factor; sy < lastRow; ++sy) {
             const auto* in = reinterpret_cast<const QRgb*>(source.constScanLine(sy));
-            for (int sx = 0; sx < columns; ++sx) {
-                const QRgb pixel = in[sx];
-                std::uint32_t* sum = &sums[static_cast<std::size_t>(sx / factor * channels)];
-                if (alphaOnly) {
-                    sum[0] += static_cast<std::uint32_t>(qAlpha(pixel));
-                } else {
-                    sum[0] += static_cast<std::uint32_t>(qRed(pixel));
-                    sum[1] += static_cast<std::uint32_t>(qGreen(pixel));
-                    sum[2] += static_cast<std::uint32_t>(qBlue(pixel));
-                    sum[3] += static_cast<std::uint32_t>(qAlpha(pixel));
-                }
+            for (int sx = 0, tx = 0; sx < columns; sx += factor, ++tx) {
+                std::uint32_t block = 0;
+                for (int k = sx; k < std::min(sx + factor, columns); ++k)
+                    block += in[k] >> 24;
+                sums[static_cast<std::size_t>(tx)] += block;
             }
         }
-        const auto mean = [&](std::size_t i) {
-            return static_cast<int>((sums[i] + static_cast<std::uint32_t>(area / 2)) /
-                                    static_cast<std::uint32_t>(area));
-        };
-        if (alphaOnly) {
-            std::uint8_t* out = target.scanLine(ty);
-            for (int tx = 0; tx < size.width(); ++tx)
-                out[tx] = static_cast<std::uint8_t>(mean(static_cast<std::size_t>(tx)));
-        } else {
-            auto* out = reinterpret_cast<QRgb*>(target.scanLine(ty));
-            for (int tx = 0; tx < size.width(); ++tx) {
-                const auto i = static_cast<std::size_t>(tx * 4);
-                out[tx] = qRgba(mean(i), mean(i + 1), mean(i + 2), mean(i + 3));
-            }
-        }
+        std::uint8_t* out = target.scanLine(ty);
+        const std::uint32_t half = (1u << shift) / 2;
+        for (int tx = 0; tx < size.width(); ++tx)
+            out[tx] =
+                static_cast<std::uint8_t>((sums[static_cast<std::size_t>(tx)] + half) >> shift);
     }
 }
 
@@ -134,7 +115,6 @@ void tint(const QImage& alpha, const QColor& colour, QImage& shadow) {
 struct ScratchSet {
     QImage layer;
     QImage alpha;
-    QImage reduced;
     QImage shadow;
 };
 
@@ -162,22 +142,30 @@ class Scratch {
     std::size_t depth_;
 };
 
-// Renders `content` into `image`, a transparent image covering `bounds` grown by `margin` points;
-// returns where the image lies on the device. The layer keeps whole device pixels, so it goes
-// back pixel for pixel: no resampling blurs or shifts it, and Qt can blend it as a plain copy.
-QRect renderLayer(const QPainter& painter, const QRectF& bounds, double margin,
-                  const LayerContent& content, QImage& image) {
-    const QTransform toDevice = painter.deviceTransform();
+// The device pixels a layer covering `bounds` grown by `margin` points takes: whole pixels, so
+// the layer goes back pixel for pixel, with no resampling to blur or shift it, and Qt can blend
+// it as a plain copy.
+QRect layerPixels(const QPainter& painter, const QRectF& bounds, double margin) {
     const QRectF area = bounds.adjusted(-margin, -margin, margin, margin);
-    QRect pixels = toDevice.mapRect(area).toAlignedRect();
+    QRect pixels = painter.deviceTransform().mapRect(area).toAlignedRect();
     pixels.setSize(pixels.size().expandedTo(QSize(1, 1)));
-    reuse(image, pixels.size(), QImage::Format_ARGB32_Premultiplied);
+    return pixels;
+}
+
+// Renders `content` into `image`, a transparent image covering the device rectangle `pixels`,
+// `reduction` device pixels to one image pixel.
+void renderLayer(const QPainter& painter, const QRect& pixels, int reduction,
+                 const LayerContent& content, QImage& image) {
+    const QSize size((pixels.width() + reduction - 1) / reduction,
+                     (pixels.height() + reduction - 1) / reduction);
+    reuse(image, size, QImage::Format_ARGB32_Premultiplied);
     QPainter layer(&image);
     layer.setRenderHints(painter.renderHints());
-    layer.setTransform(toDevice * QTransform::fromTranslate(-pixels.left(), -pixels.top()));
+    layer.setTransform(painter.deviceTransform() *
+                       QTransform::fromTranslate(-pixels.left(), -pixels.top()) *
+                       QTransform::fromScale(1.0 / reduction, 1.0 / reduction));
     content(layer);
     layer.end();
-    return pixels;
 }
 
 // Where a copy of a layer image on `pixels` goes once shrunk by `factor`: the shrunk image covers
@@ -201,7 +189,7 @@ void drawOnDevice(QPainter& painter, const QRectF& pixels, const QImage& image) 
 void castShadow(const QImage& layer, const QColor& colour, double sigma, ScratchSet& scratch) {
     const int factor = reductionFor(sigma, layer.size());
     if (factor > 1)
-        shrink(layer, factor, true, scratch.alpha);
+        shrinkCoverage(layer, factor, scratch.alpha);
     else
         coverageOf(layer, scratch.alpha);
     blurAlpha(scratch.alpha, reducedSigma(sigma, factor));
@@ -226,8 +214,8 @@ void drawWithShadow(QPainter& painter, const QRectF& bounds, const Shadow& shado
                     const LayerContent& content) {
     Scratch scratch;
     ScratchSet& images = scratch.set();
-    const double margin = shadow.radius * 1.5 + 1.0;
-    const QRect pixels = renderLayer(painter, bounds, margin, content, images.layer);
+    const QRect pixels = layerPixels(painter, bounds, shadow.radius * 1.5 + 1.0);
+    renderLayer(painter, pixels, 1, content, images.layer);
     const double sigma = shadow.radius / 2.0 * pixelScale(painter);
     castShadow(images.layer, shadow.colour, sigma, images);
     const int factor = reductionFor(sigma, images.layer.size());
@@ -247,16 +235,13 @@ void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
                  const LayerContent& content) {
     Scratch scratch;
     ScratchSet& images = scratch.set();
-    const QRect pixels = renderLayer(painter, bounds, radius * 1.5 + 1.0, content, images.layer);
+    const QRect pixels = layerPixels(painter, bounds, radius * 1.5 + 1.0);
     const double sigma = radius / 2.0 * pixelScale(painter);
-    const int factor = reductionFor(sigma, images.layer.size());
-    QImage* blurred = &images.layer;
-    if (factor > 1) {
-        shrink(images.layer, factor, false, images.reduced);
-        blurred = &images.reduced;
-    }
-    blurImage(*blurred, reducedSigma(sigma, factor));
-    drawOnDevice(painter, reducedArea(pixels, *blurred, factor), *blurred);
+    // Only the blur is shown, so a wide one renders its layer straight at the reduced size.
+    const int factor = reductionFor(sigma, pixels.size());
+    renderLayer(painter, pixels, factor, content, images.layer);
+    blurImage(images.layer, reducedSigma(sigma, factor));
+    drawOnDevice(painter, reducedArea(pixels, images.layer, factor), images.layer);
 }
 
 }  // namespace corvanel::meters
