@@ -11,6 +11,7 @@
 #include "meters/LayerEffects.h"
 #include "meters/LevelMath.h"
 #include "meters/Noise.h"
+#include "meters/RoundStroke.h"
 #include "meters/SystemFonts.h"
 
 namespace corvanel::meters {
@@ -88,10 +89,7 @@ void MagmaAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
             for (int j = 1; j <= 3; ++j)
                 jet << base + (tip - base) * (j / 4.0) + QPointF(sway * noise(key, j), 0);
             jet << tip;
-            layer.setPen(
-                QPen(QBrush(heat), 1.6 * F + 1.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            layer.setBrush(Qt::NoBrush);
-            layer.drawPolyline(jet);
+            drawRoundStroke(layer, jet, 1.6 * F + 1.2, heat);
             layer.setPen(Qt::NoPen);
             layer.setBrush(Lava::hot(0.6 * F + 0.4));
             layer.drawEllipse(tip, 1.5, 1.5);

@@ -10,6 +10,7 @@
 #include "meters/LayerEffects.h"
 #include "meters/LevelMath.h"
 #include "meters/Noise.h"
+#include "meters/RoundStroke.h"
 #include "meters/SystemFonts.h"
 #include "meters/TextPlacement.h"
 #include "meters/ThemedLegend.h"
@@ -104,10 +105,8 @@ void MagmaVUMeterView::paintLava(QPainter& painter, const QSizeF& canvas) const 
                          surface);
     crust << QPointF(c.centre + c.halfWidth, surface);
     const QRectF crustBox = crust.boundingRect().adjusted(-4, -4, 4, 4);
-    drawWithGlow(painter, crustBox, Lava::hot(0.9), 5 * L + 3, [&](QPainter& layer) {
-        layer.setPen(QPen(Lava::hot(0.9), L + 1.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        layer.drawPolyline(crust);
-    });
+    drawWithGlow(painter, crustBox, Lava::hot(0.9), 5 * L + 3,
+                 [&](QPainter& layer) { drawRoundStroke(layer, crust, L + 1.5, Lava::hot(0.9)); });
 
     painter.setPen(Qt::NoPen);
     if (L > 0.35) {

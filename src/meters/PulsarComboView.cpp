@@ -9,6 +9,7 @@
 #include "meters/DialGeometry.h"
 #include "meters/LayerEffects.h"
 #include "meters/LevelMath.h"
+#include "meters/RoundStroke.h"
 #include "meters/SystemFonts.h"
 #include "meters/TextPlacement.h"
 
@@ -113,11 +114,11 @@ void PulsarComboView::paintSpokes(QPainter& painter, const Geometry& g) const {
                 if (length <= 0.5) continue;
                 const double hue = 0.52 + 0.35 * static_cast<double>(i) /
                                               static_cast<double>(std::max<std::size_t>(n - 1, 1));
-                layer.setPen(QPen(QColor::fromHsvF(static_cast<float>(hue), 0.85f, 1.0f), 3,
-                                  Qt::SolidLine, Qt::RoundCap));
                 const double angle = spokeAngle(i, n);
-                layer.drawLine(polarPoint(g.centre, g.innerSpoke, angle),
-                               polarPoint(g.centre, g.innerSpoke + length, angle));
+                drawRoundStroke(layer,
+                                {polarPoint(g.centre, g.innerSpoke, angle),
+                                 polarPoint(g.centre, g.innerSpoke + length, angle)},
+                                3, QColor::fromHsvF(static_cast<float>(hue), 0.85f, 1.0f));
             }
         });
     }

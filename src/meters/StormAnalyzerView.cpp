@@ -8,6 +8,7 @@
 #include "meters/BandPlot.h"
 #include "meters/LayerEffects.h"
 #include "meters/Noise.h"
+#include "meters/RoundStroke.h"
 #include "meters/Storm.h"
 #include "meters/StormBackdrop.h"
 #include "meters/SystemFonts.h"
@@ -59,7 +60,6 @@ void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
                      charge.setColorAt(0.5, Storm::electric());
                      charge.setColorAt(1.0, Qt::white);
                      const double sway = std::min(0.8 * plot.barWidth, 5.0);
-                     layer.setBrush(Qt::NoBrush);
                      for (std::size_t i = 0; i < n; ++i) {
                          const double F = boostedFraction(levels_[i]);
                          const double J = P * F;
@@ -74,9 +74,7 @@ void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
                              stroke << QPointF(x + (tipX - x) * t + sway * noise(key, j), J * t);
                          }
                          stroke << QPointF(tipX, J);
-                         layer.setPen(QPen(QBrush(charge), 1.4 * F + 1.2, Qt::SolidLine,
-                                           Qt::RoundCap, Qt::RoundJoin));
-                         layer.drawPolyline(stroke);
+                         drawRoundStroke(layer, stroke, 1.4 * F + 1.2, charge);
                      }
                  });
 

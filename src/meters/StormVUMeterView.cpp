@@ -11,6 +11,7 @@
 #include "meters/LayerEffects.h"
 #include "meters/LevelMath.h"
 #include "meters/Noise.h"
+#include "meters/RoundStroke.h"
 #include "meters/Storm.h"
 #include "meters/StormBackdrop.h"
 #include "meters/SystemFonts.h"
@@ -130,11 +131,10 @@ void StormVUMeterView::paintBolt(QPainter& painter, const QSizeF& canvas) const 
         p.drawPolyline(line);
     };
     drawBlurred(painter, boltBox, 6, [&](QPainter& layer) {
-        stroke(layer, points, Storm::electric(0.45), 4 * L + 6, Qt::RoundJoin);
+        drawRoundStroke(layer, points, 4 * L + 6, Storm::electric(0.45));
     });
-    drawBlurred(painter, boltBox, 1.5, [&](QPainter& layer) {
-        stroke(layer, points, glow, 1.6 * L + 2.2, Qt::RoundJoin);
-    });
+    drawBlurred(painter, boltBox, 1.5,
+                [&](QPainter& layer) { drawRoundStroke(layer, points, 1.6 * L + 2.2, glow); });
     stroke(painter, points, core, 1.2, Qt::RoundJoin);
 
     std::vector<QPolygonF> forks;
@@ -157,7 +157,7 @@ void StormVUMeterView::paintBolt(QPainter& painter, const QSizeF& canvas) const 
             forkBox |= fork.boundingRect();
         drawBlurred(painter, forkBox.adjusted(-3, -3, 3, 3), 1, [&](QPainter& layer) {
             for (const QPolygonF& fork : forks)
-                stroke(layer, fork, Storm::electric(0.55), 1.1, Qt::RoundJoin);
+                drawRoundStroke(layer, fork, 1.1, Storm::electric(0.55));
         });
         for (const QPolygonF& fork : forks)
             stroke(painter, fork, grey(1.0, 0.45), 0.6, Qt::MiterJoin);
