@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QPaintDevice>
+#include <QPainterPath>
 #include <QTransform>
 #include <algorithm>
 #include <array>
@@ -16,7 +17,9 @@ namespace corvanel::meters {
 
 namespace {
 
-bool canRasterise(const QPainter& painter) {
+// Whether a stroke covering `reach` (in the painter's coordinates) can be drawn here: a clip
+// that holds all of it changes nothing.
+bool canRasterise(const QPainter& painter, const QRectF& reach) {
     const QPaintDevice* device = painter.device();
     if (device == nullptr || device->devType() != QInternal::Image) return false;
     if (static_cast<const QImage*>(device)->format() != QImage::Format_ARGB32_Premultiplied)
@@ -24,9 +27,11 @@ bool canRasterise(const QPainter& painter) {
     const QTransform toDevice = painter.deviceTransform();
     if (toDevice.type() > QTransform::TxScale) return false;
     if (std::abs(std::abs(toDevice.m11()) - std::abs(toDevice.m22())) > 1e-9) return false;
-    return !painter.hasClipping() && painter.opacity() == 1.0 &&
-           painter.compositionMode() == QPainter::CompositionMode_SourceOver &&
-           painter.testRenderHint(QPainter::Antialiasing);
+    if (painter.opacity() != 1.0 ||
+        painter.compositionMode() != QPainter::CompositionMode_SourceOver ||
+        !painter.testRenderHint(QPainter::Antialiasing))
+        return false;
+    return !painter.hasClipping() || painter.clipPath().contains(reach);
 }
 
 // Premultiplied colours in 256 steps along the paint's axis, in device pixels.
@@ -204,7 +209,9 @@ class MonotoneStroke {
                     nearest <= innerSquared ? 255u : levelAt(std::sqrt(nearest));
                 if (level == 0) continue;
                 auto* target = reinterpret_cast<QRgb*>(pixel);
-                *target = over(scaled(ramp.at(rampAt), level), *target);
+                const QRgb source = level == 255 ? ramp.at(rampAt) : scaled(ramp.at(rampAt), level);
+                // Layers are mostly clear, and a full-coverage opaque pixel hides what it covers.
+                *target = *target == 0 || source >= 0xff000000u ? source : over(source, *target);
             }
         }
     }
@@ -267,7 +274,8 @@ QBrush brushFor(const StrokePaint& paint) {
 void drawRoundStroke(QPainter& painter, const QPolygonF& points, double width,
                      const StrokePaint& paint) {
     if (points.size() < 2 || !(width > 0)) return;
-    if (canRasterise(painter)) {
+    const double margin = width / 2 + 1;
+    if (canRasterise(painter, points.boundingRect().adjusted(-margin, -margin, margin, margin))) {
         const QTransform toDevice = painter.deviceTransform();
         const QPolygonF onDevice = toDevice.map(points);
         const QRectF extent = onDevice.boundingRect();

@@ -18,9 +18,10 @@ namespace corvanel::meters {
 using StrokePaint = std::variant<QColor, QLinearGradient>;
 
 // Strokes `points`, `width` points wide, source-over onto `painter` as drawPolyline with a
-// round-capped, round-joined pen would. Lines that run one way along x or y, drawn by an
-// unclipped opaque painter on a premultiplied ARGB image under a plain scale and translation, are
-// rasterised here; anything else gets QPainter's own stroke.
+// round-capped, round-joined pen would. Lines that run one way along x or y, drawn by an opaque
+// painter on a premultiplied ARGB image under a plain scale and translation, and clipped (if at
+// all) by a clip that holds them whole, are rasterised here; anything else gets QPainter's own
+// stroke.
 void drawRoundStroke(QPainter& painter, const QPolygonF& points, double width,
                      const StrokePaint& paint);
 

@@ -124,18 +124,12 @@ void StormVUMeterView::paintBolt(QPainter& painter, const QSizeF& canvas) const 
     core.setColorAt(1.0, Storm::electric(0.15));
 
     const QRectF boltBox = points.boundingRect().adjusted(-8, -8, 8, 8);
-    const auto stroke = [](QPainter& p, const QPolygonF& line, const QBrush& brush, double width,
-                           Qt::PenJoinStyle join) {
-        p.setPen(QPen(brush, width, Qt::SolidLine, Qt::RoundCap, join));
-        p.setBrush(Qt::NoBrush);
-        p.drawPolyline(line);
-    };
     drawBlurred(painter, boltBox, 6, [&](QPainter& layer) {
         drawRoundStroke(layer, points, 4 * L + 6, Storm::electric(0.45));
     });
     drawBlurred(painter, boltBox, 1.5,
                 [&](QPainter& layer) { drawRoundStroke(layer, points, 1.6 * L + 2.2, glow); });
-    stroke(painter, points, core, 1.2, Qt::RoundJoin);
+    drawRoundStroke(painter, points, 1.2, core);
 
     std::vector<QPolygonF> forks;
     for (int b = 0; b < forkCount(L); ++b) {
@@ -160,7 +154,7 @@ void StormVUMeterView::paintBolt(QPainter& painter, const QSizeF& canvas) const 
                 drawRoundStroke(layer, fork, 1.1, Storm::electric(0.55));
         });
         for (const QPolygonF& fork : forks)
-            stroke(painter, fork, grey(1.0, 0.45), 0.6, Qt::MiterJoin);
+            drawRoundStroke(painter, fork, 0.6, grey(1.0, 0.45));
     }
 
     if (L > 0.9) {

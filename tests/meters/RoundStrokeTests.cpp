@@ -127,5 +127,16 @@ TEST(RoundStroke, LeavesLinesItCannotRunAndClippedPaintersToQt) {
     EXPECT_EQ(probe::at(ours, {30, 70}).alpha(), 0);
 }
 
+TEST(RoundStroke, AClipThatHoldsTheWholeLineChangesNothing) {
+    const QPolygonF down = wanderingDown(30, 80);
+    const QImage clipped = probe::render({60, 100}, [&](QPainter& p) {
+        QPainterPath rounded;
+        rounded.addRoundedRect(QRectF(2, 0, 56, 100), 8, 8);
+        p.setClipPath(rounded);
+        drawRoundStroke(p, down, 3, QColor(Qt::red));
+    });
+    EXPECT_EQ(clipped, byDistance({60, 100}, down, 3, QColor(Qt::red)));
+}
+
 }  // namespace
 }  // namespace corvanel::meters
