@@ -189,11 +189,14 @@ class MonotoneStroke {
                 ++endSegment;
             }
             if (!(lo <= hi)) continue;
-            // Truncation floors anything that is not clamped to 0; one pixel past the end is
-            // cheaper than a call to ceil and misses nothing.
+            // The pixels whose centres lie in [lo, hi]; truncation floors what is clamped to 0
+            // or more, and is far cheaper than a call to floor or ceil.
             const float end = static_cast<float>(runLength - 1);
-            const int first = static_cast<int>(std::clamp(lo, 0.0f, end + 1));
-            const int last = hi < 0 ? -1 : static_cast<int>(std::min(hi + 1, end));
+            const float left = std::clamp(lo - 0.5f, 0.0f, end + 1);
+            int first = static_cast<int>(left);
+            if (static_cast<float>(first) < left) ++first;
+            const float right = hi - 0.5f;
+            const int last = right < 0 ? -1 : static_cast<int>(std::min(right, end));
             if (first > last) continue;
             std::uint8_t* pixel = bits + run * runStride + first * step;
             const float firstCentre = static_cast<float>(first) + 0.5f;
