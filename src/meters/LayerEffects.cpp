@@ -14,13 +14,6 @@ namespace corvanel::meters {
 
 namespace {
 
-// Scratch sums for shrinking, kept per thread so that a steady stream of frames allocates
-// nothing.
-std::vector<std::uint32_t>& shrinkSums() {
-    thread_local std::vector<std::uint32_t> sums;
-    return sums;
-}
-
 // How much a blur of `sigma` pixels lets its layer shrink first: a wide Gaussian holds no detail
 // finer than a few pixels, so blurring a half- or quarter-size copy and stretching it back looks
 // the same and costs a quarter or a sixteenth.
@@ -45,33 +38,41 @@ void reuse(QImage& image, const QSize& size, QImage::Format format) {
     image.fill(0);
 }
 
-// `target` becomes the coverage of `source` shrunk by `factor` (2 or 4), each pixel the mean
-// alpha of a factor x factor block; pixels past the edge count as transparent.
-void shrinkCoverage(const QImage& source, int factor, QImage& target) {
-    const QSize size((source.width() + factor - 1) / factor,
-                     (source.height() + factor - 1) / factor);
-    reuse(target, size, QImage::Format_Alpha8);
-    const int shift = factor == 4 ? 4 : 2;  // log2 of the block's area
+// `target` becomes the coverage of `source` shrunk by Factor, each pixel the mean alpha of a
+// Factor x Factor block; pixels past the edge count as transparent.
+template <int Factor>
+void shrinkCoverageBy(const QImage& source, QImage& target) {
     const int columns = source.width();
-    std::vector<std::uint32_t>& sums = shrinkSums();
+    const int rows = source.height();
+    const QSize size((columns + Factor - 1) / Factor, (rows + Factor - 1) / Factor);
+    reuse(target, size, QImage::Format_Alpha8);
+    const int wholeBlocks = columns / Factor;
+    constexpr std::uint32_t half = Factor * Factor / 2;
     for (int ty = 0; ty < size.height(); ++ty) {
-        sums.assign(static_cast<std::size_t>(size.width()), 0);
-        const int lastRow = std::min(source.height(), (ty + 1) * factor);
-        for (int sy = ty * factor; sy < lastRow; ++sy) {
-            const auto* in = reinterpret_cast<const QRgb*>(source.constScanLine(sy));
-            for (int sx = 0, tx = 0; sx < columns; sx += factor, ++tx) {
-                std::uint32_t block = 0;
-                for (int k = sx; k < std::min(sx + factor, columns); ++k)
-                    block += in[k] >> 24;
-                sums[static_cast<std::size_t>(tx)] += block;
-            }
-        }
+        std::array<const QRgb*, Factor> in{};
+        for (int j = 0; j < Factor; ++j)
+            if (ty * Factor + j < rows)
+                in[static_cast<std::size_t>(j)] =
+                    reinterpret_cast<const QRgb*>(source.constScanLine(ty * Factor + j));
         std::uint8_t* out = target.scanLine(ty);
-        const std::uint32_t half = (1u << shift) / 2;
-        for (int tx = 0; tx < size.width(); ++tx)
-            out[tx] =
-                static_cast<std::uint8_t>((sums[static_cast<std::size_t>(tx)] + half) >> shift);
+        for (int tx = 0; tx < size.width(); ++tx) {
+            const int last = tx < wholeBlocks ? Factor : columns - tx * Factor;
+            std::uint32_t sum = half;
+            for (const QRgb* row : in) {
+                if (row == nullptr) continue;
+                for (int k = 0; k < last; ++k)
+                    sum += row[tx * Factor + k] >> 24;
+            }
+            out[tx] = static_cast<std::uint8_t>(sum / (Factor * Factor));
+        }
     }
+}
+
+void shrinkCoverage(const QImage& source, int factor, QImage& target) {
+    if (factor == 4)
+        shrinkCoverageBy<4>(source, target);
+    else
+        shrinkCoverageBy<2>(source, target);
 }
 
 // Coverage of every pixel of `layer`, as Format_Alpha8.
