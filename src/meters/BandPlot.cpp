@@ -19,20 +19,20 @@ double boostedFraction(double level) {
     return std::min(1.3 * clampedLevel(level), 1.0);
 }
 
-void drawDecibelLabel(QPainter& painter, const BandPlot& plot, int decibels, double y,
-                      const TextStyle& style) {
+void drawBandScale(QPainter& painter, const BandPlot& plot, const std::vector<GridLine>& grid,
+                   const QColor& lineColour, const TextStyle& labels) {
     const double top = 4.0;
     const double bottom = std::max(top, plot.plotHeight - 4.0);
-    drawText(painter, QString::number(decibels), style, QPointF(17, std::clamp(y, top, bottom)),
-             HorizontalAnchor::right);
-}
-
-void drawFrequencyLabels(QPainter& painter, const BandPlot& plot, double offset,
-                         const TextStyle& style) {
+    for (const GridLine& line : grid) {
+        painter.setPen(QPen(lineColour, 1));
+        painter.drawLine(QPointF(BandPlot::margin, line.y), QPointF(plot.canvas.width(), line.y));
+        drawText(painter, QString::number(line.decibels), labels,
+                 QPointF(17, std::clamp(line.y, top, bottom)), HorizontalAnchor::right);
+    }
     for (const FrequencyLabel& label : SpectrumScale::frequencyLabels()) {
         if (label.index < 0 || static_cast<std::size_t>(label.index) >= plot.bands) continue;
-        drawText(painter, QString::fromStdString(label.text), style,
-                 QPointF(plot.left(static_cast<std::size_t>(label.index)) + offset,
+        drawText(painter, QString::fromStdString(label.text), labels,
+                 QPointF(plot.centre(static_cast<std::size_t>(label.index)),
                          plot.canvas.height() - 5.5));
     }
 }

@@ -5,6 +5,7 @@
 #include <QSizeF>
 #include <QString>
 #include <cstddef>
+#include <vector>
 
 #include "meters/TextPlacement.h"
 
@@ -30,12 +31,16 @@ struct BandPlot {
 // so a level of 1/1.3 already reaches the end of the plot.
 double boostedFraction(double level);
 
-// A dB label with its right edge's middle at (17, y), kept 4 points inside the plot.
-void drawDecibelLabel(QPainter& painter, const BandPlot& plot, int decibels, double y,
-                      const TextStyle& style);
+// A level of the dB grid and where the plot puts it.
+struct GridLine {
+    int decibels;
+    double y;
+};
 
-// The frequency labels centred under their bands at `offset` from each bar's left edge.
-void drawFrequencyLabels(QPainter& painter, const BandPlot& plot, double offset,
-                         const TextStyle& style);
+// The plot's printed scale: a one-point line in `lineColour` across the plot at each grid
+// level, its dB label with the right edge's middle at (17, y) kept 4 points inside the plot,
+// and the frequency labels centred under their bands.
+void drawBandScale(QPainter& painter, const BandPlot& plot, const std::vector<GridLine>& grid,
+                   const QColor& lineColour, const TextStyle& labels);
 
 }  // namespace corvanel::meters

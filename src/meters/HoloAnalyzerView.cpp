@@ -28,13 +28,10 @@ void HoloAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) co
     if (layoutBands_ == 0) return;
     painter.translate(canvasInset, canvasInset);
     const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
-    for (const int d : {0, -20, -40, -60}) {
-        const double y = plot.plotHeight * (1 - (d + 60) / 60.0);
-        painter.setPen(QPen(withOpacity(systemCyan(), 0.08), 1));
-        painter.drawLine(QPointF(BandPlot::margin, y), QPointF(plot.canvas.width(), y));
-        drawDecibelLabel(painter, plot, d, y, labelStyle());
-    }
-    drawFrequencyLabels(painter, plot, plot.barWidth / 2, labelStyle());
+    std::vector<GridLine> grid;
+    for (const int d : {0, -20, -40, -60})
+        grid.push_back({d, plot.plotHeight * (1 - (d + 60) / 60.0)});
+    drawBandScale(painter, plot, grid, withOpacity(systemCyan(), 0.08), labelStyle());
 }
 
 void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {

@@ -4,6 +4,7 @@
 #include <QPolygonF>
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "meters/BandPlot.h"
 #include "meters/InfernoBackdrop.h"
@@ -29,16 +30,13 @@ void MagmaAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) c
     if (layoutBands_ == 0) return;
     painter.translate(canvasInset, canvasInset);
     const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
-    const double P = plot.plotHeight;
+    // Levels rise from the floor, boosted like the jets.
+    std::vector<GridLine> grid;
     for (const int d : {-20, -40, -60}) {
         const double g = 1.3 * (d + 60) / 60.0;
-        if (g > 1) continue;
-        const double y = P * (1 - g);
-        painter.setPen(QPen(Lava::ash(0.06), 1));
-        painter.drawLine(QPointF(BandPlot::margin, y), QPointF(plot.canvas.width(), y));
-        drawDecibelLabel(painter, plot, d, y, labelStyle());
+        if (g <= 1) grid.push_back({d, plot.plotHeight * (1 - g)});
     }
-    drawFrequencyLabels(painter, plot, plot.barWidth / 2, labelStyle());
+    drawBandScale(painter, plot, grid, Lava::ash(0.06), labelStyle());
 }
 
 void MagmaAnalyzerView::paint(QPainter& painter, const QSizeF& size) {

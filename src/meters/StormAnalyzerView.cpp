@@ -4,6 +4,7 @@
 #include <QPolygonF>
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "meters/BandPlot.h"
 #include "meters/LayerEffects.h"
@@ -29,13 +30,10 @@ void StormAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) c
     painter.translate(canvasInset, canvasInset);
     const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
     // The plot hangs from the top: -60 dB lies on the top edge.
-    for (const int d : {-20, -40, -60}) {
-        const double y = plot.plotHeight * 1.3 * (d + 60) / 60.0;
-        painter.setPen(QPen(Storm::silver(0.06), 1));
-        painter.drawLine(QPointF(BandPlot::margin, y), QPointF(plot.canvas.width(), y));
-        drawDecibelLabel(painter, plot, d, y, labelStyle());
-    }
-    drawFrequencyLabels(painter, plot, plot.barWidth / 2, labelStyle());
+    std::vector<GridLine> grid;
+    for (const int d : {-20, -40, -60})
+        grid.push_back({d, plot.plotHeight * 1.3 * (d + 60) / 60.0});
+    drawBandScale(painter, plot, grid, Storm::silver(0.06), labelStyle());
 }
 
 void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
