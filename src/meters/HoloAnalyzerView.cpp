@@ -23,26 +23,19 @@ TextStyle labelStyle() {
 
 }  // namespace
 
-void HoloAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
+void HoloAnalyzerView::paintBackdrop(QPainter& painter, const QSizeF& size) const {
     drawHoloGlassPanel(painter, size);
-    if (layoutBands_ == 0) return;
-    painter.translate(canvasInset, canvasInset);
-    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
+}
+
+BandPlotView::Scale HoloAnalyzerView::scaleFor(const BandPlot& plot) const {
     std::vector<GridLine> grid;
     for (const int d : {0, -20, -40, -60})
         grid.push_back({d, plot.plotHeight * (1 - (d + 60) / 60.0)});
-    drawBandScale(painter, plot, grid, withOpacity(systemCyan(), 0.08), labelStyle());
+    return {grid, withOpacity(systemCyan(), 0.08), labelStyle()};
 }
 
-void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
-    background_.draw(painter, size,
-                     [this](QPainter& p, const QSizeF& s) { paintBackground(p, s); });
-    const std::size_t n = levels_.size();
-    if (n == 0) return;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(canvasInset, canvasInset);
-    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
+void HoloAnalyzerView::paintBands(QPainter& painter, const BandPlot& plot) {
+    const std::size_t n = plot.bands;
     const double P = plot.plotHeight;
     const double W = plot.canvas.width();
     // Each glow layer covers only the height its shapes reach.
@@ -73,10 +66,7 @@ void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
         }
     });
 
-    if (highestCap > lowestCap) {
-        painter.restore();
-        return;
-    }
+    if (highestCap > lowestCap) return;
     drawWithGlow(painter, caps, grey(1.0, 0.6), 2, [&](QPainter& layer) {
         for (std::size_t i = 0; i < n && i < peaks_.size(); ++i) {
             const double p = peaks_[i];
@@ -85,7 +75,6 @@ void HoloAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
                            grey(1.0, 0.9));
         }
     });
-    painter.restore();
 }
 
 }  // namespace corvanel::meters

@@ -25,29 +25,22 @@ TextStyle labelStyle() {
 
 }  // namespace
 
-void MagmaAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
+void MagmaAnalyzerView::paintBackdrop(QPainter& painter, const QSizeF& size) const {
     InfernoBackdrop::paint(painter, size);
-    if (layoutBands_ == 0) return;
-    painter.translate(canvasInset, canvasInset);
-    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
+}
+
+BandPlotView::Scale MagmaAnalyzerView::scaleFor(const BandPlot& plot) const {
     // Levels rise from the floor, boosted like the jets.
     std::vector<GridLine> grid;
     for (const int d : {-20, -40, -60}) {
         const double g = 1.3 * (d + 60) / 60.0;
         if (g <= 1) grid.push_back({d, plot.plotHeight * (1 - g)});
     }
-    drawBandScale(painter, plot, grid, Lava::ash(0.06), labelStyle());
+    return {grid, Lava::ash(0.06), labelStyle()};
 }
 
-void MagmaAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
-    background_.draw(painter, size,
-                     [this](QPainter& p, const QSizeF& s) { paintBackground(p, s); });
-    const std::size_t n = levels_.size();
-    if (n == 0) return;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(canvasInset, canvasInset);
-    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
+void MagmaAnalyzerView::paintBands(QPainter& painter, const BandPlot& plot) {
+    const std::size_t n = plot.bands;
     const double P = plot.plotHeight;
     const double W = plot.canvas.width();
 
@@ -101,7 +94,6 @@ void MagmaAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
         if (!(p > 0.04)) continue;
         painter.drawEllipse(QPointF(plot.centre(i), P * (1 - boostedFraction(p))), 1.25, 1.25);
     }
-    painter.restore();
 }
 
 }  // namespace corvanel::meters

@@ -24,27 +24,20 @@ TextStyle labelStyle() {
 
 }  // namespace
 
-void StormAnalyzerView::paintBackground(QPainter& painter, const QSizeF& size) const {
+void StormAnalyzerView::paintBackdrop(QPainter& painter, const QSizeF& size) const {
     StormBackdrop::paint(painter, size);
-    if (layoutBands_ == 0) return;
-    painter.translate(canvasInset, canvasInset);
-    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), layoutBands_);
+}
+
+BandPlotView::Scale StormAnalyzerView::scaleFor(const BandPlot& plot) const {
     // The plot hangs from the top: -60 dB lies on the top edge.
     std::vector<GridLine> grid;
     for (const int d : {-20, -40, -60})
         grid.push_back({d, plot.plotHeight * 1.3 * (d + 60) / 60.0});
-    drawBandScale(painter, plot, grid, Storm::silver(0.06), labelStyle());
+    return {grid, Storm::silver(0.06), labelStyle()};
 }
 
-void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
-    background_.draw(painter, size,
-                     [this](QPainter& p, const QSizeF& s) { paintBackground(p, s); });
-    const std::size_t n = levels_.size();
-    if (n == 0) return;
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(canvasInset, canvasInset);
-    const BandPlot plot(size - QSizeF(2 * canvasInset, 2 * canvasInset), n);
+void StormAnalyzerView::paintBands(QPainter& painter, const BandPlot& plot) {
+    const std::size_t n = plot.bands;
     const double P = plot.plotHeight;
 
     // The glow layer only needs to reach as far down as the longest stroke.
@@ -83,7 +76,6 @@ void StormAnalyzerView::paint(QPainter& painter, const QSizeF& size) {
         if (!(p > 0.04)) continue;
         painter.drawEllipse(QPointF(plot.centre(i), P * boostedFraction(p)), 1.25, 1.25);
     }
-    painter.restore();
 }
 
 }  // namespace corvanel::meters

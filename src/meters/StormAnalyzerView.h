@@ -3,18 +3,15 @@
 // reaching further down the louder the band, whitening as it reaches down; with a dB grid, peak
 // sparks and frequency labels on the storm backdrop. Stateless: a stroke changes shape only when
 // its shown length crosses a 1/20 step.
-#include "meters/BandAnalyzerView.h"
+#include "meters/BandPlotView.h"
 
 namespace corvanel::meters {
 
-class StormAnalyzerView final : public BandAnalyzerView {
-  public:
-    static constexpr double canvasInset = 11.0;
-
-    void paint(QPainter& painter, const QSizeF& size) override;
-
+class StormAnalyzerView final : public BandPlotView {
   private:
-    void paintBackground(QPainter& painter, const QSizeF& size) const;
+    void paintBackdrop(QPainter& painter, const QSizeF& size) const override;
+    Scale scaleFor(const BandPlot& plot) const override;
+    void paintBands(QPainter& painter, const BandPlot& plot) override;
 };
 
 }  // namespace corvanel::meters
