@@ -119,6 +119,7 @@ struct Segment {
     float inverseLengthSquared;     // 0 for a dot
     float slope;                    // across per along; 0 for a segment across the runs
     float halfRun;                  // half the capsule's width along a run
+    float squeeze;                  // distance from the line per unit of offset along a run
 };
 
 // Rasterises one polyline that runs one way along an axis, run by run.
@@ -142,6 +143,7 @@ class MonotoneStroke {
             const float lengthSquared = s.deltaAcross * s.deltaAcross + s.deltaAlong * s.deltaAlong;
             s.inverseLengthSquared = lengthSquared > 0 ? 1.0f / lengthSquared : 0.0f;
             s.slope = s.deltaAlong > 1e-6f ? s.deltaAcross / s.deltaAlong : 0.0f;
+            s.squeeze = s.deltaAlong * std::sqrt(s.inverseLengthSquared);
             s.halfRun = s.deltaAlong > 1e-6f ? reach_ * std::sqrt(lengthSquared) / s.deltaAlong
                                              : std::numeric_limits<float>::infinity();
             segments_.push_back(s);
@@ -202,14 +204,27 @@ class MonotoneStroke {
             const float firstCentre = static_cast<float>(first) + 0.5f;
             float rampAt = runsAreRows_ ? ramp.parameter(firstCentre, centre)
                                         : ramp.parameter(centre, firstCentre);
+            // Where the whole run lies beside one segment, away from its ends, a pixel's distance
+            // is its offset from the crossing times the segment's squeeze: no projection and no
+            // square root, for most runs of a long line.
+            const Segment& near = segments_[firstSegment];
+            const bool beside = endSegment - firstSegment == 1 && near.deltaAlong > 1e-6f &&
+                                alongSegment(near, firstCentre, centre) &&
+                                alongSegment(near, static_cast<float>(last) + 0.5f, centre);
+            const float crossing = near.across + (centre - near.along) * near.slope;
             for (int i = first; i <= last; ++i, pixel += step, rampAt += rampStep) {
                 const float position = static_cast<float>(i) + 0.5f;
-                float nearest = reachSquared;
-                for (std::size_t s = firstSegment; s < endSegment; ++s)
-                    nearest = std::min(nearest, distanceSquared(segments_[s], position, centre));
-                if (nearest >= reachSquared) continue;
-                const std::uint32_t level =
-                    nearest <= innerSquared ? 255u : levelAt(std::sqrt(nearest));
+                std::uint32_t level = 0;
+                if (beside) {
+                    level = levelAt(std::abs(position - crossing) * near.squeeze);
+                } else {
+                    float nearest = reachSquared;
+                    for (std::size_t s = firstSegment; s < endSegment; ++s)
+                        nearest =
+                            std::min(nearest, distanceSquared(segments_[s], position, centre));
+                    if (nearest >= reachSquared) continue;
+                    level = nearest <= innerSquared ? 255u : levelAt(std::sqrt(nearest));
+                }
                 if (level == 0) continue;
                 auto* target = reinterpret_cast<QRgb*>(pixel);
                 const QRgb source = level == 255 ? ramp.at(rampAt) : scaled(ramp.at(rampAt), level);
@@ -230,6 +245,13 @@ class MonotoneStroke {
         const float right = std::max(s.across, s.across + s.deltaAcross) + reach_;
         return std::pair{std::max(left, crossing - s.halfRun),
                          std::min(right, crossing + s.halfRun)};
+    }
+
+    // Whether the point (across, along) lies beside segment `s` rather than past one of its ends.
+    static bool alongSegment(const Segment& s, float across, float along) {
+        const float t = ((across - s.across) * s.deltaAcross + (along - s.along) * s.deltaAlong) *
+                        s.inverseLengthSquared;
+        return t >= 0.0f && t <= 1.0f;
     }
 
     static float distanceSquared(const Segment& s, float across, float along) {
