@@ -4,9 +4,11 @@
 // while the frame is painted on a pool thread, so the benchmarks report wall time.
 #include <benchmark/benchmark.h>
 
+#include <QGuiApplication>
 #include <QSize>
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 #include "meters/FramePainter.h"
 #include "meters/MeterRenderer.h"
@@ -39,6 +41,19 @@ inline void runMeterFrames(benchmark::State& state, meters::MeterRenderer& rende
             painter.paint(size, 1.0, [&](QPainter& p) { renderer.paint(p, QSizeF(size)); });
         benchmark::DoNotOptimize(image.constBits());
     }
+}
+
+// Runs the benchmarks `registerAll` registers inside a Qt application (offscreen unless told
+// otherwise); the body of a meter benchmark program's main.
+inline int runWithQt(int argc, char** argv, const std::function<void()>& registerAll) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    int qtArgc = 1;
+    QGuiApplication application(qtArgc, argv);
+    registerAll();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
 }
 
 }  // namespace corvanel::bench

@@ -2,7 +2,6 @@
 // image. Each frame gets new analyzer values and a 60 Hz spring step, as in the running panel.
 #include <benchmark/benchmark.h>
 
-#include <QGuiApplication>
 #include <QImage>
 #include <memory>
 #include <vector>
@@ -39,18 +38,14 @@ void labelImage(benchmark::State& state) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    int qtArgc = 1;
-    QGuiApplication application(qtArgc, argv);
-    for (const PanelMeterStyle style : PanelMeterStyle::allCases()) {
-        const std::string name = "PanelStyleFrame/" + std::string(style.rawValue());
-        benchmark::RegisterBenchmark(name.c_str(), panelStyleFrame, style)
-            ->Unit(benchmark::kMillisecond)
-            ->UseRealTime();
-    }
-    benchmark::RegisterBenchmark("MenuBarLabelImage", labelImage)->Unit(benchmark::kMicrosecond);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return corvanel::bench::runWithQt(argc, argv, [] {
+        for (const PanelMeterStyle style : PanelMeterStyle::allCases()) {
+            const std::string name = "PanelStyleFrame/" + std::string(style.rawValue());
+            benchmark::RegisterBenchmark(name.c_str(), panelStyleFrame, style)
+                ->Unit(benchmark::kMillisecond)
+                ->UseRealTime();
+        }
+        benchmark::RegisterBenchmark("MenuBarLabelImage", labelImage)
+            ->Unit(benchmark::kMicrosecond);
+    });
 }

@@ -3,7 +3,6 @@
 // (and, for the visualizer, a new time), as in the running application.
 #include <benchmark/benchmark.h>
 
-#include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <memory>
@@ -46,24 +45,19 @@ void visualizerFrame(benchmark::State& state, double loudness) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    int qtArgc = 1;
-    QGuiApplication application(qtArgc, argv);
-    for (const char* style :
-         {"inferno", "valhalla", "futuristicrack", "vintageconsole", "pulsar"}) {
-        benchmark::RegisterBenchmark(("ThemedStyleFrame/" + std::string(style)).c_str(),
-                                     themedStyleFrame, std::string(style))
+    return corvanel::bench::runWithQt(argc, argv, [] {
+        for (const char* style :
+             {"inferno", "valhalla", "futuristicrack", "vintageconsole", "pulsar"}) {
+            benchmark::RegisterBenchmark(("ThemedStyleFrame/" + std::string(style)).c_str(),
+                                         themedStyleFrame, std::string(style))
+                ->Unit(benchmark::kMillisecond)
+                ->UseRealTime();
+        }
+        benchmark::RegisterBenchmark("VisualizerFrame/quiet", visualizerFrame, 0.2)
             ->Unit(benchmark::kMillisecond)
             ->UseRealTime();
-    }
-    benchmark::RegisterBenchmark("VisualizerFrame/quiet", visualizerFrame, 0.2)
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
-    benchmark::RegisterBenchmark("VisualizerFrame/loud", visualizerFrame, 0.7)
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+        benchmark::RegisterBenchmark("VisualizerFrame/loud", visualizerFrame, 0.7)
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    });
 }
