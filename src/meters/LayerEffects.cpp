@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "meters/BoxBlur.h"
+#include "meters/Resample.h"
 
 namespace corvanel::meters {
 
@@ -36,43 +37,6 @@ double reducedSigma(double sigma, int factor) {
 void reuse(QImage& image, const QSize& size, QImage::Format format) {
     if (image.size() != size || image.format() != format) image = QImage(size, format);
     image.fill(0);
-}
-
-// `target` becomes the coverage of `source` shrunk by Factor, each pixel the mean alpha of a
-// Factor x Factor block; pixels past the edge count as transparent.
-template <int Factor>
-void shrinkCoverageBy(const QImage& source, QImage& target) {
-    const int columns = source.width();
-    const int rows = source.height();
-    const QSize size((columns + Factor - 1) / Factor, (rows + Factor - 1) / Factor);
-    reuse(target, size, QImage::Format_Alpha8);
-    const int wholeBlocks = columns / Factor;
-    constexpr std::uint32_t half = Factor * Factor / 2;
-    for (int ty = 0; ty < size.height(); ++ty) {
-        std::array<const QRgb*, Factor> in{};
-        for (int j = 0; j < Factor; ++j)
-            if (ty * Factor + j < rows)
-                in[static_cast<std::size_t>(j)] =
-                    reinterpret_cast<const QRgb*>(source.constScanLine(ty * Factor + j));
-        std::uint8_t* out = target.scanLine(ty);
-        for (int tx = 0; tx < size.width(); ++tx) {
-            const int last = tx < wholeBlocks ? Factor : columns - tx * Factor;
-            std::uint32_t sum = half;
-            for (const QRgb* row : in) {
-                if (row == nullptr) continue;
-                for (int k = 0; k < last; ++k)
-                    sum += row[tx * Factor + k] >> 24;
-            }
-            out[tx] = static_cast<std::uint8_t>(sum / (Factor * Factor));
-        }
-    }
-}
-
-void shrinkCoverage(const QImage& source, int factor, QImage& target) {
-    if (factor == 4)
-        shrinkCoverageBy<4>(source, target);
-    else
-        shrinkCoverageBy<2>(source, target);
 }
 
 // Coverage of every pixel of `layer`, as Format_Alpha8.
@@ -117,6 +81,7 @@ struct ScratchSet {
     QImage layer;
     QImage alpha;
     QImage shadow;
+    QImage enlarged;
 };
 
 class Scratch {
@@ -169,21 +134,24 @@ void renderLayer(const QPainter& painter, const QRect& pixels, int reduction,
     layer.end();
 }
 
-// Where a copy of a layer image on `pixels` goes once shrunk by `factor`: the shrunk image covers
-// whole blocks, so it may reach up to a block past the layer's own edge.
-QRectF reducedArea(const QRect& pixels, const QImage& reduced, int factor) {
-    return QRectF(pixels.topLeft(), QSizeF(reduced.width() * factor, reduced.height() * factor));
-}
-
-// Draws `image` over the device rectangle `pixels`, whatever the painter's transform.
-void drawOnDevice(QPainter& painter, const QRectF& pixels, const QImage& image) {
+// Draws `image` with its top left corner at the device point `at`, whatever the painter's
+// transform: pixel for pixel, a plain copy where `at` is a whole pixel.
+void drawOnDevice(QPainter& painter, const QPointF& at, const QImage& image) {
     const double ratio = painter.device() ? painter.device()->devicePixelRatioF() : 1.0;
     painter.save();
     painter.resetTransform();
-    if (image.size() != pixels.size().toSize() || pixels.topLeft() != pixels.topLeft().toPoint())
-        painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(QRectF(pixels.topLeft() / ratio, pixels.size() / ratio), image);
+    if (at != at.toPoint()) painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(at / ratio, QSizeF(image.size()) / ratio), image);
     painter.restore();
+}
+
+// `image` back at full size after it was worked on shrunk by `factor`: itself, or `enlarged`
+// made from it. A shrunk image covers whole blocks, so the result may reach up to a block past
+// the layer's own edge.
+const QImage& atFullSize(const QImage& image, int factor, QImage& enlarged) {
+    if (factor == 1) return image;
+    enlarge(image, factor, enlarged);
+    return enlarged;
 }
 
 // The shadow of `layer` into `scratch.shadow`, at the reduction its width allows.
@@ -222,9 +190,9 @@ void drawWithShadow(QPainter& painter, const QRectF& bounds, const Shadow& shado
     const int factor = reductionFor(sigma, images.layer.size());
     const QTransform toDevice = painter.deviceTransform();
     const QPointF offset = toDevice.map(shadow.offset) - toDevice.map(QPointF());
-    drawOnDevice(painter, reducedArea(pixels, images.shadow, factor).translated(offset),
-                 images.shadow);
-    drawOnDevice(painter, QRectF(pixels), images.layer);
+    drawOnDevice(painter, QPointF(pixels.topLeft()) + offset,
+                 atFullSize(images.shadow, factor, images.enlarged));
+    drawOnDevice(painter, pixels.topLeft(), images.layer);
 }
 
 void drawWithGlow(QPainter& painter, const QRectF& bounds, const QColor& colour, double radius,
@@ -242,7 +210,7 @@ void drawBlurred(QPainter& painter, const QRectF& bounds, double radius,
     const int factor = reductionFor(sigma, pixels.size());
     renderLayer(painter, pixels, factor, content, images.layer);
     blurImage(images.layer, reducedSigma(sigma, factor));
-    drawOnDevice(painter, reducedArea(pixels, images.layer, factor), images.layer);
+    drawOnDevice(painter, pixels.topLeft(), atFullSize(images.layer, factor, images.enlarged));
 }
 
 }  // namespace corvanel::meters
