@@ -10,7 +10,6 @@
 #include "meters/DialGeometry.h"
 #include "meters/HoloGlassPanel.h"
 #include "meters/LayerEffects.h"
-#include "meters/LevelMath.h"
 #include "meters/SystemFonts.h"
 #include "meters/TextPlacement.h"
 
@@ -44,7 +43,8 @@ QPen arcPen(const QBrush& brush) {
 
 }  // namespace
 
-HoloVUMeterView::HoloVUMeterView(QString channel) : channel_(std::move(channel)) {}
+HoloVUMeterView::HoloVUMeterView(QString channel)
+    : SpringNeedleMeter(0.3, 0.55), channel_(std::move(channel)) {}
 
 const QGradientStops& HoloVUMeterView::neonGradient() {
     static const QGradientStops stops = {{0.0, systemCyan()},
@@ -73,16 +73,7 @@ QString HoloVUMeterView::vuReadout(float level) {
 
 void HoloVUMeterView::setLevel(float level) {
     level_ = level;
-    arc_.setTarget(clampedLevel(level));
-}
-
-bool HoloVUMeterView::step(double dt) {
-    arc_.step(dt);
-    return !arc_.isSettled();
-}
-
-void HoloVUMeterView::settle() {
-    arc_.settle();
+    SpringNeedleMeter::setLevel(level);
 }
 
 void HoloVUMeterView::paintBackground(QPainter& painter, const QSizeF& size) const {
@@ -102,7 +93,7 @@ void HoloVUMeterView::paint(QPainter& painter, const QSizeF& size) {
     painter.setRenderHint(QPainter::Antialiasing);
     const Gauge gauge = gaugeFor(size);
     // The spring may overshoot; the arc never runs past the gauge's ends.
-    const double sweep = fullSweep * std::clamp(arc_.value(), 0.0, 1.0);
+    const double sweep = fullSweep * std::clamp(needleLevel_.value(), 0.0, 1.0);
     if (sweep > 0) {
         // A conical gradient turns counter-clockwise on screen from its start angle, so the
         // sweep's clockwise colours are laid out backwards from 210 (= -150) degrees.

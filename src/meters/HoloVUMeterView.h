@@ -5,21 +5,19 @@
 #include <QGradientStops>
 #include <QString>
 
-#include "meters/ChannelMeter.h"
-#include "meters/Spring.h"
+#include "meters/SpringNeedleMeter.h"
 #include "meters/StaticLayer.h"
 
 namespace corvanel::meters {
 
-class HoloVUMeterView final : public ChannelMeter {
+class HoloVUMeterView final : public SpringNeedleMeter {
   public:
     static constexpr double aspectRatio = 1.55;
 
     explicit HoloVUMeterView(QString channel);
 
+    // Keeps the level itself for the reading, which shows it without the arc's spring.
     void setLevel(float level) override;
-    bool step(double dt) override;
-    void settle() override;
     void paint(QPainter& painter, const QSizeF& size) override;
 
     // The gauge's colour ramp: cyan, blue, violet, pink.
@@ -32,7 +30,6 @@ class HoloVUMeterView final : public ChannelMeter {
 
     QString channel_;
     float level_ = 0.0f;
-    Spring arc_{0.3, 0.55};
     StaticLayer background_{6.0};
 };
 
