@@ -1,27 +1,69 @@
 #include "switching/NumberText.h"
 
+#include <locale.h>
+#include <cerrno>
 #include <charconv>
+#include <cstdlib>
+#include <string>
+#if defined(__APPLE__)
+#include <xlocale.h>
+#endif
 
 namespace corvanel {
 namespace {
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
+
+std::size_t skipDigits(std::string_view text, std::size_t at) {
+    while (at < text.size() && isDigit(text[at]))
+        ++at;
+    return at;
+}
+
+// Digits with an optional point and fraction, then an optional exponent, after an optional
+// sign: no "inf", "nan", hexadecimal forms or spaces.
+bool isDecimalNumber(std::string_view text) {
+    std::size_t at = !text.empty() && (text.front() == '+' || text.front() == '-') ? 1 : 0;
+    const std::size_t integerEnd = skipDigits(text, at);
+    std::size_t mantissaDigits = integerEnd - at;
+    at = integerEnd;
+    if (at < text.size() && text[at] == '.') {
+        const std::size_t fractionEnd = skipDigits(text, at + 1);
+        mantissaDigits += fractionEnd - (at + 1);
+        at = fractionEnd;
+    }
+    if (mantissaDigits == 0) return false;
+    if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
+        ++at;
+        if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
+        const std::size_t exponentEnd = skipDigits(text, at);
+        if (exponentEnd == at) return false;
+        at = exponentEnd;
+    }
+    return at == text.size();
+}
+
+// The C locale, so that a user's decimal comma never changes how a number is read. Apple's
+// libc++ has no floating-point from_chars; strtod_l with this locale is exact on both systems.
+locale_t cLocale() {
+    static const struct Handle {
+        locale_t locale = newlocale(LC_ALL_MASK, "C", locale_t{});
+        ~Handle() {
+            if (locale) freelocale(locale);
+        }
+    } handle;
+    return handle.locale;
+}
 }  // namespace
 
 std::optional<double> parseDecimal(std::string_view text) {
-    // from_chars accepts no leading "+", which a decimal number may carry.
-    if (!text.empty() && text.front() == '+') {
-        text.remove_prefix(1);
-        if (!text.empty() && (text.front() == '-' || text.front() == '+')) return std::nullopt;
-    }
-    // Only digits and a point may start the number: no "inf", "nan" or hexadecimal forms.
-    const std::string_view digits = text.substr(!text.empty() && text.front() == '-' ? 1 : 0);
-    if (digits.empty() || !(isDigit(digits.front()) || digits.front() == '.')) return std::nullopt;
-    double value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value, std::chars_format::general);
-    if (error != std::errc{} || stop != end) return std::nullopt;
+    if (!isDecimalNumber(text)) return std::nullopt;
+    const std::string terminated(text);
+    char* stop = nullptr;
+    errno = 0;
+    const double value = strtod_l(terminated.c_str(), &stop, cLocale());
+    if (errno == ERANGE || stop != terminated.c_str() + terminated.size()) return std::nullopt;
     return value;
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -19,7 +20,7 @@ TEST(SampleRingBufferConcurrency, ReaderNeverSeesAHalfWrittenBlock) {
     constexpr int blocks = 3000;
     constexpr float wrap = 1 << 20;  // counts stay exact in a float
 
-    std::jthread writer([&] {
+    std::thread writer([&] {
         std::vector<float> block(frames * 2);
         float count = 0;
         for (int b = 0; b < blocks; ++b) {
@@ -33,20 +34,24 @@ TEST(SampleRingBufferConcurrency, ReaderNeverSeesAHalfWrittenBlock) {
         }
     });
 
+    // Failures are gathered rather than asserted, so the writer is always joined.
+    std::string failure;
     int checkedReads = 0;
     std::vector<float> out(4096);
-    while (checkedReads < 2000) {
+    while (checkedReads < 2000 && failure.empty()) {
         if (!ring.copyLatest(out)) continue;
-        for (std::size_t i = 1; i < out.size(); ++i) {
+        for (std::size_t i = 1; i < out.size() && failure.empty(); ++i) {
             const float expected = out[i - 1] + 1 == wrap ? 0 : out[i - 1] + 1;
-            ASSERT_EQ(out[i], expected) << "torn read at " << i;
+            if (out[i] != expected) failure = "torn read at " + std::to_string(i);
         }
         const SampleRingBuffer::LevelSnapshot snapshot = ring.levelSnapshot();
-        ASSERT_GT(snapshot.channelRMS.left, 0.0f);
-        ASSERT_EQ(snapshot.channelRMS.left, snapshot.channelRMS.right);
+        if (!(snapshot.channelRMS.left > 0.0f) ||
+            snapshot.channelRMS.left != snapshot.channelRMS.right)
+            failure = "levels of another write than the samples";
         ++checkedReads;
     }
     writer.join();
+    ASSERT_EQ(failure, "");
     EXPECT_EQ(ring.levelSnapshot().lastWrite, MonoTime{} + std::chrono::nanoseconds(blocks));
 }
 

@@ -1,8 +1,8 @@
 #include "RenderOptions.h"
 
 #include <algorithm>
-#include <charconv>
 #include <functional>
+#include "switching/NumberText.h"
 
 namespace corvanel::tool {
 
@@ -10,20 +10,12 @@ namespace {
 
 using OptionError = std::optional<std::string>;
 
-std::optional<double> parseNumber(const std::string& text) {
-    double value = 0;
-    const char* end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || rest != end) return std::nullopt;
-    return value;
-}
-
 std::optional<std::vector<float>> parseList(const std::string& text) {
     std::vector<float> values;
     std::size_t start = 0;
     while (start <= text.size() && !text.empty()) {
         const std::size_t comma = std::min(text.find(',', start), text.size());
-        const std::optional<double> value = parseNumber(text.substr(start, comma - start));
+        const std::optional<double> value = parseDecimal(text.substr(start, comma - start));
         if (!value) return std::nullopt;
         values.push_back(static_cast<float>(*value));
         start = comma + 1;
@@ -32,7 +24,7 @@ std::optional<std::vector<float>> parseList(const std::string& text) {
 }
 
 OptionError setNumber(double& target, const std::string& option, const std::string& text) {
-    const std::optional<double> value = parseNumber(text);
+    const std::optional<double> value = parseDecimal(text);
     if (!value) return option + " expects a number, got \"" + text + "\"";
     target = *value;
     return std::nullopt;
@@ -49,9 +41,9 @@ OptionError setList(std::vector<float>& target, const std::string& option,
 OptionError setSize(RenderOptions& options, const std::string& text) {
     const std::size_t x = text.find('x');
     const std::optional<double> w =
-        x == std::string::npos ? std::nullopt : parseNumber(text.substr(0, x));
+        x == std::string::npos ? std::nullopt : parseDecimal(text.substr(0, x));
     const std::optional<double> h =
-        x == std::string::npos ? std::nullopt : parseNumber(text.substr(x + 1));
+        x == std::string::npos ? std::nullopt : parseDecimal(text.substr(x + 1));
     if (!w || !h || *w <= 0 || *h <= 0)
         return "--size expects WIDTHxHEIGHT in points, got \"" + text + "\"";
     options.width = *w;

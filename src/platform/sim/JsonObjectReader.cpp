@@ -1,8 +1,9 @@
 #include "platform/sim/JsonObjectReader.h"
 
-#include <charconv>
 #include <optional>
 #include <utility>
+
+#include "switching/NumberText.h"
 
 namespace corvanel {
 namespace {
@@ -158,11 +159,10 @@ class Reader {
             if (!atEnd() && (peek() == '+' || peek() == '-')) ++at_;
             if (!digits()) return fail("expected exponent digits");
         }
-        double value = 0;
-        const auto [end, error] = std::from_chars(text_.data() + start, text_.data() + at_, value);
-        if (error == std::errc::result_out_of_range) return fail("number out of range");
-        if (error != std::errc{} || end != text_.data() + at_) return fail("malformed number");
-        scalar = value;
+        // The grammar is checked above, so a number that still does not convert is out of range.
+        const std::optional<double> value = parseDecimal(text_.substr(start, at_ - start));
+        if (!value) return fail("number out of range");
+        scalar = *value;
         return true;
     }
 

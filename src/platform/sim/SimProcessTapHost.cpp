@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <thread>
 #include <utility>
 
 #include "platform/sim/SimAudioHardware.h"
@@ -9,24 +10,43 @@
 
 namespace corvanel {
 
-namespace {
-
-// The capture thread: one block per block duration on a steady schedule, until stopped.
-void deliverInRealTime(std::stop_token stop, ProcessTapHost::IOBlock block,
-                       SimBlockRenderer renderer, std::chrono::nanoseconds period) {
-    std::mutex sleepMutex;
-    std::condition_variable_any sleeper;
-    auto next = std::chrono::steady_clock::now();
-    while (!stop.stop_requested()) {
-        const std::span<const AudioBufferView> buffers = renderer.render();
-        block(buffers.data(), static_cast<std::uint32_t>(buffers.size()));
-        next += period;
-        std::unique_lock lock(sleepMutex);
-        sleeper.wait_until(lock, stop, next, [] { return false; });
+// The capture thread: one block per block duration on a steady schedule, until destroyed,
+// which stops and joins it (Apple's libc++ has no std::jthread).
+class SimProcessTapHost::RealTimeDelivery {
+  public:
+    RealTimeDelivery(IOBlock block, SimBlockRenderer renderer, std::chrono::nanoseconds period)
+        : thread_([this, block = std::move(block), renderer = std::move(renderer),
+                   period]() mutable { run(block, renderer, period); }) {}
+    ~RealTimeDelivery() {
+        {
+            std::lock_guard lock(mutex_);
+            stopping_ = true;
+        }
+        wake_.notify_all();
+        thread_.join();
     }
-}
+    RealTimeDelivery(const RealTimeDelivery&) = delete;
+    RealTimeDelivery& operator=(const RealTimeDelivery&) = delete;
 
-}  // namespace
+  private:
+    void run(const IOBlock& block, SimBlockRenderer& renderer, std::chrono::nanoseconds period) {
+        auto next = std::chrono::steady_clock::now();
+        std::unique_lock lock(mutex_);
+        while (!stopping_) {
+            lock.unlock();
+            const std::span<const AudioBufferView> buffers = renderer.render();
+            block(buffers.data(), static_cast<std::uint32_t>(buffers.size()));
+            next += period;
+            lock.lock();
+            wake_.wait_until(lock, next, [this] { return stopping_; });
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    bool stopping_ = false;
+    std::thread thread_;  // last: starts once the members it uses exist
+};
 
 AudioStreamBasicDescription SimProcessTapHost::floatFormat(double sampleRate,
                                                            std::uint32_t channels,
@@ -236,8 +256,8 @@ OSStatus SimProcessTapHost::deviceStart(AudioObjectID device, IOProcID proc) {
                 format_.mSampleRate > 0 ? format_.mSampleRate : source_->sampleRate();
             const auto period = std::chrono::duration_cast<std::chrono::nanoseconds>(
                 std::chrono::duration<double>(blockFrames_ / rate));
-            started.thread = std::jthread(deliverInRealTime, started.block,
-                                          SimBlockRenderer(source_, format_, blockFrames_), period);
+            started.delivery = std::make_unique<RealTimeDelivery>(
+                started.block, SimBlockRenderer(source_, format_, blockFrames_), period);
         }
     }
     return record(SimTapOperation::deviceStart, proc, status);
@@ -255,10 +275,7 @@ OSStatus SimProcessTapHost::deviceStop(AudioObjectID device, IOProcID proc) {
 
 void SimProcessTapHost::stopLocked(IOProc& proc) {
     proc.started = false;
-    if (proc.thread.joinable()) {
-        proc.thread.request_stop();
-        proc.thread.join();
-    }
+    proc.delivery.reset();
 }
 
 }  // namespace corvanel

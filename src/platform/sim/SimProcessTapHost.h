@@ -10,7 +10,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "platform/ProcessTapHost.h"
@@ -87,11 +86,12 @@ class SimProcessTapHost final : public ProcessTapHost {
     OSStatus deviceStop(AudioObjectID device, IOProcID proc) override;
 
   private:
+    class RealTimeDelivery;
     struct IOProc {
         AudioObjectID device;
         IOBlock block;
         bool started = false;
-        std::jthread thread;  // real-time pacing only; stopping it joins
+        std::unique_ptr<RealTimeDelivery> delivery;  // real-time pacing only; resetting joins
     };
     OSStatus record(SimTapOperation operation, std::uint64_t object, OSStatus status);
     OSStatus injected(SimTapOperation operation) const;
