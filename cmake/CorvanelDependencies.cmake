@@ -15,8 +15,19 @@ if(CORVANEL_BUILD_GUI)
     endif()
 endif()
 
+set(CORVANEL_GTEST_SOURCE_DIR "" CACHE PATH
+    "GoogleTest sources to build with this build's own C++ library, instead of the installed one")
 if(CORVANEL_BUILD_TESTS)
-    find_package(GTest REQUIRED)
+    if(CORVANEL_GTEST_SOURCE_DIR)
+        # The installed GoogleTest is built for the system's libstdc++; a libc++ build needs
+        # its own copy, compiled here from the distribution's sources (which name their targets
+        # GTest::gtest, GTest::gtest_main and GTest::gmock themselves).
+        set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+        add_subdirectory(${CORVANEL_GTEST_SOURCE_DIR} ${PROJECT_BINARY_DIR}/googletest
+                         EXCLUDE_FROM_ALL SYSTEM)
+    else()
+        find_package(GTest REQUIRED)
+    endif()
     include(GoogleTest)
 endif()
 if(CORVANEL_BUILD_BENCH)
