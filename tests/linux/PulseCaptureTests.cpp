@@ -1,10 +1,11 @@
 // Capture from a real PulseAudio server: a tone played into a null sink reaches the analyzer
-// through the sink's monitor, the capture follows a change of the default sink, and a missing
-// server fails the start with the usual message.
+// through the sink's monitor, the capture follows a change of the default sink, never records
+// the microphone, and a missing or hung server fails the start with the usual message.
 #include <gtest/gtest.h>
 #include <sndfile.h>
 #include <sys/wait.h>
 
+#include <signal.h>
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -166,6 +167,54 @@ TEST_F(PulseCaptureTest, SilenceInTheSinkKeepsTheMetersDown) {
     // A null sink's monitor delivers digital silence while nothing plays.
     EXPECT_LT(*std::max_element(analyzer->levels().begin(), analyzer->levels().end()), 0.05f);
     EXPECT_LT(analyzer->leftLevel(), 0.01f);
+}
+
+TEST_F(PulseCaptureTest, TheCapturedSinkGoingAwayNeverRecordsTheMicrophone) {
+    const auto analyzer = SpectrumAnalyzer::create(ports);
+    executor->runUntilIdle();
+    ASSERT_TRUE(analyzer->isCapturing());
+
+    // With every sink gone the server rescues a record stream onto the default source, which is
+    // the microphone's tone.
+    ASSERT_TRUE(server->unloadModule("module-null-sink"));
+    const std::size_t microphoneBand = bandOf(PulseTestServer::microphoneTone);
+    float loudestMicrophone = 0;
+    runUntil(
+        [&] {
+            loudestMicrophone = std::max(loudestMicrophone, analyzer->levels()[microphoneBand]);
+            return false;
+        },
+        2.0);
+    EXPECT_LT(loudestMicrophone, 0.3f);
+
+    // An output comes back: capture carries on with what it plays. (The suite's sinks are all
+    // restored for the tests after this one.)
+    const std::string sink = PulseTestServer::firstSink;
+    ASSERT_TRUE(server->loadSink(PulseTestServer::secondSink, 44100));
+    ASSERT_TRUE(server->loadSink(sink, 48000));
+    ASSERT_TRUE(server->setDefaultSink(sink));
+    const auto tone = writeTone(server->directory(), 2500, 48000, 12);
+    const pid_t player = server->play(tone, sink);
+    ASSERT_GT(player, 0);
+    runUntil([&] { return analyzer->levels()[bandOf(2500)] > 0.7f; }, 10.0);
+    finish(player);
+    EXPECT_EQ(host->currentMonitor(), sink + ".monitor");
+    EXPECT_EQ(loudestBand(*analyzer), bandOf(2500));
+    EXPECT_LT(analyzer->levels()[microphoneBand], 0.3f);
+}
+
+TEST_F(PulseCaptureTest, AServerThatStopsAnsweringFailsTheStartWithinTheDeadline) {
+    ASSERT_EQ(kill(server->pid(), SIGSTOP), 0);
+    const auto started = std::chrono::steady_clock::now();
+    PulseCaptureHost hungHost;
+    AudioObjectID tap = kAudioObjectUnknown;
+    const OSStatus status = hungHost.createProcessTap(TapDescription{}, tap);
+    const auto waited = std::chrono::steady_clock::now() - started;
+    kill(server->pid(), SIGCONT);
+
+    EXPECT_EQ(status, PA_ERR_TIMEOUT);
+    EXPECT_LT(waited, PulseConnection::replyDeadline + std::chrono::seconds(2));
+    EXPECT_GE(waited, PulseConnection::replyDeadline - std::chrono::milliseconds(100));
 }
 
 TEST(PulseCaptureWithoutServer, TheStartFailsWithTheTapStepAndItsErrorCode) {

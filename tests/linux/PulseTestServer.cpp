@@ -111,7 +111,10 @@ PulseTestServer::PulseTestServer() {
         "-L",
         std::string("module-null-sink sink_name=") + secondSink + " rate=44100",
         "-L",
-        std::string("module-null-source source_name=") + microphone,
+        std::string("module-sine-source source_name=") + microphone +
+            " rate=48000 frequency=" + std::to_string(static_cast<int>(microphoneTone)),
+        "-L",
+        "module-rescue-streams",
         "-L",
         "module-native-protocol-unix auth-anonymous=1 socket=" + socket};
     const std::string log = (directory_ / "server.log").string();
@@ -174,6 +177,16 @@ bool PulseTestServer::setDefaultSink(const std::string& sink) const {
 
 bool PulseTestServer::setDefaultSource(const std::string& source) const {
     return runProgram({"pactl", "set-default-source", source}, clientEnvironment()) == 0;
+}
+
+bool PulseTestServer::loadSink(const std::string& name, int rate) const {
+    return runProgram({"pactl", "load-module", "module-null-sink", "sink_name=" + name,
+                       "rate=" + std::to_string(rate)},
+                      clientEnvironment()) == 0;
+}
+
+bool PulseTestServer::unloadModule(const std::string& name) const {
+    return runProgram({"pactl", "unload-module", name}, clientEnvironment()) == 0;
 }
 
 }  // namespace corvanel::testing

@@ -1,8 +1,9 @@
 #pragma once
 // A private PulseAudio server for one test suite: two null sinks (what applications "play"
-// into, with a monitor to record), a null source standing in for a microphone, its own runtime
-// directory and socket, started by the test and killed when it ends. PULSE_SERVER points this
-// process's clients at it.
+// into, with a monitor to record), a sine source standing in for a microphone that hears a
+// steady tone, its own runtime directory and socket, started by the test and killed when it
+// ends. Like a desktop's server it rescues the streams of a sink that goes away onto other
+// devices. PULSE_SERVER points this process's clients at it.
 #include <sys/types.h>
 
 #include <filesystem>
@@ -23,6 +24,7 @@ class PulseTestServer {
     static constexpr const char* firstSink = "corvanel_first";        // 48 kHz, the default
     static constexpr const char* secondSink = "corvanel_second";      // 44.1 kHz
     static constexpr const char* microphone = "corvanel_microphone";  // a source, not a monitor
+    static constexpr double microphoneTone = 437.0;
 
     PulseTestServer();
     ~PulseTestServer();
@@ -38,6 +40,11 @@ class PulseTestServer {
     pid_t play(const std::filesystem::path& file, const std::string& sink) const;
     bool setDefaultSink(const std::string& sink) const;
     bool setDefaultSource(const std::string& source) const;
+    // Adds a null sink while the server runs.
+    bool loadSink(const std::string& name, int rate) const;
+    // Unloads every module of that name.
+    bool unloadModule(const std::string& name) const;
+    pid_t pid() const { return server_; }
     std::filesystem::path directory() const { return directory_; }
 
   private:

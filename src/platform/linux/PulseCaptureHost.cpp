@@ -130,19 +130,43 @@ void PulseCaptureHost::onServerInfoForFollow(pa_context* context, const pa_serve
         pa_operation_unref(query);
 }
 
-void PulseCaptureHost::onSinkInfoForFollow(pa_context* context, const pa_sink_info* info, int eol,
+void PulseCaptureHost::onSinkInfoForFollow(pa_context*, const pa_sink_info* info, int eol,
                                            void* userdata) {
     auto* host = static_cast<PulseCaptureHost*>(userdata);
     if (eol != 0 || info == nullptr || info->monitor_source_name == nullptr) return;
     host->sink_ = info->name;
     host->monitor_ = info->monitor_source_name;
-    // The stream keeps its own format on the new source (the server resamples), so the rate
-    // the analyzer was given stays true.
-    pa_stream* stream = host->stream_.get();
-    if (stream == nullptr || pa_stream_get_state(stream) != PA_STREAM_READY) return;
-    if (pa_operation* move = pa_context_move_source_output_by_name(
-            context, pa_stream_get_index(stream), host->monitor_.c_str(), nullptr, nullptr))
-        pa_operation_unref(move);
+    // The stream is pinned to the monitor it was opened on, so it is opened anew on the new
+    // sink's monitor, in its own format (the server resamples): the rate the analyzer was
+    // given stays true.
+    if (host->recording_ && host->openStream() == PA_OK) host->connectStream();
+}
+
+int PulseCaptureHost::openStream() {
+    const pa_sample_spec sampleFormat{PA_SAMPLE_FLOAT32LE, rate_, channelCount};
+    stream_.reset(
+        pa_stream_new(connection_->context(), "Corvanel Spectrum", &sampleFormat, nullptr));
+    if (!stream_) return connection_->lastError();
+    pa_stream_set_state_callback(stream_.get(), onStreamState, connection_.get());
+    if (procInstalled_) pa_stream_set_read_callback(stream_.get(), onStreamRead, this);
+    return PA_OK;
+}
+
+int PulseCaptureHost::connectStream() {
+    // Ask for blocks of about 512 frames, as a tap would deliver them. The server must never
+    // move the stream: when its sink goes away it would carry it to another source, which may
+    // be a microphone.
+    pa_buffer_attr attributes{};
+    attributes.maxlength = static_cast<std::uint32_t>(-1);
+    attributes.tlength = static_cast<std::uint32_t>(-1);
+    attributes.prebuf = static_cast<std::uint32_t>(-1);
+    attributes.minreq = static_cast<std::uint32_t>(-1);
+    attributes.fragsize = blockFrames * channelCount * 4;
+    if (pa_stream_connect_record(
+            stream_.get(), monitor_.c_str(), &attributes,
+            static_cast<pa_stream_flags_t>(PA_STREAM_ADJUST_LATENCY | PA_STREAM_DONT_MOVE)) < 0)
+        return connection_->lastError();
+    return PA_OK;
 }
 
 OSStatus PulseCaptureHost::destroyProcessTap(AudioObjectID tap) {
@@ -152,6 +176,7 @@ OSStatus PulseCaptureHost::destroyProcessTap(AudioObjectID tap) {
         stream_.reset();
         block_ = nullptr;
         procInstalled_ = false;
+        recording_ = false;
         sink_.clear();
         monitor_.clear();
     }
@@ -187,11 +212,7 @@ OSStatus PulseCaptureHost::createAggregateDevice(const DescriptionDictionary&,
     if (!connection_) return PA_ERR_NOENTITY;
     PulseConnection::Lock lock(*connection_);
     if (stream_) return PA_ERR_EXIST;
-    const pa_sample_spec sampleFormat{PA_SAMPLE_FLOAT32LE, rate_, channelCount};
-    stream_.reset(
-        pa_stream_new(connection_->context(), "Corvanel Spectrum", &sampleFormat, nullptr));
-    if (!stream_) return connection_->lastError();
-    pa_stream_set_state_callback(stream_.get(), onStreamState, connection_.get());
+    if (const int status = openStream(); status != PA_OK) return status;
     outDevice = deviceObject;
     return PA_OK;
 }
@@ -231,20 +252,16 @@ OSStatus PulseCaptureHost::deviceStart(AudioObjectID device, IOProcID proc) {
     PulseConnection::Lock lock(*connection_);
     if (!stream_ || !procInstalled_) return PA_ERR_NOENTITY;
     if (pa_stream_get_state(stream_.get()) != PA_STREAM_UNCONNECTED) return PA_ERR_BADSTATE;
-    // Ask for blocks of about 512 frames, as a tap would deliver them.
-    pa_buffer_attr attributes{};
-    attributes.maxlength = static_cast<std::uint32_t>(-1);
-    attributes.tlength = static_cast<std::uint32_t>(-1);
-    attributes.prebuf = static_cast<std::uint32_t>(-1);
-    attributes.minreq = static_cast<std::uint32_t>(-1);
-    attributes.fragsize = blockFrames * channelCount * 4;
-    if (pa_stream_connect_record(stream_.get(), monitor_.c_str(), &attributes,
-                                 PA_STREAM_ADJUST_LATENCY) < 0)
-        return connection_->lastError();
+    if (const int status = connectStream(); status != PA_OK) return status;
+    recording_ = true;
+    const PulseConnection::Deadline deadline(*connection_);
     for (;;) {
         const pa_stream_state_t state = pa_stream_get_state(stream_.get());
         if (state == PA_STREAM_READY) return PA_OK;
-        if (!PA_STREAM_IS_GOOD(state)) return connection_->lastError();
+        if (!PA_STREAM_IS_GOOD(state) || deadline.passed()) {
+            recording_ = false;
+            return connection_->lastError();
+        }
         connection_->wait();
     }
 }
@@ -254,6 +271,7 @@ OSStatus PulseCaptureHost::deviceStop(AudioObjectID device, IOProcID proc) {
     PulseConnection::Lock lock(*connection_);
     if (!stream_) return PA_ERR_NOENTITY;
     // Once this returns no further block is delivered: callbacks run under the same lock.
+    recording_ = false;
     if (PA_STREAM_IS_GOOD(pa_stream_get_state(stream_.get()))) pa_stream_disconnect(stream_.get());
     return PA_OK;
 }

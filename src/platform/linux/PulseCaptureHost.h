@@ -11,10 +11,12 @@
 //   install the audio callback the stream's read callback, delivering into the IO block
 //   start audio capture        connect the stream to the monitor
 //
-// When the default sink changes while recording, the stream is moved to the new sink's monitor
-// on the server; it keeps its own sample format (the server resamples), so the rate the
-// analyzer was told stays true and no rebuild is needed. Failures report the server's error
-// code as the status. Blocks arrive on the pulse thread, one at a time, in order.
+// The record stream is pinned to the monitor it was opened on: the server never moves it, so it
+// can never end up on a microphone. When the default sink changes while recording, a new stream
+// is opened on the new sink's monitor in the same sample format (the server resamples), so the
+// rate the analyzer was told stays true and no rebuild is needed. Failures report the server's
+// error code as the status; a server that stops answering fails with PA_ERR_TIMEOUT after
+// PulseConnection::replyDeadline. Blocks arrive on the pulse thread, one at a time, in order.
 #include <pulse/pulseaudio.h>
 
 #include <cstdint>
@@ -70,6 +72,11 @@ class PulseCaptureHost final : public ProcessTapHost {
     int queryDefaultSink(std::string& sink, std::string& monitor, std::uint32_t& rate);
     // With the lock held: subscribes to server changes to move along with the default sink.
     int followDefaultSink();
+    // With the lock held: a new record stream in the tap's format, with the installed callback;
+    // an error code when the server refuses.
+    int openStream();
+    // With the lock held: connects the stream to the current monitor, pinned there.
+    int connectStream();
 
     std::unique_ptr<PulseConnection> connection_;
     // Written with the connection's lock held; the pulse thread reads them under it too.
@@ -79,6 +86,7 @@ class PulseCaptureHost final : public ProcessTapHost {
     std::unique_ptr<pa_stream, StreamDelete> stream_;
     IOBlock block_;
     bool procInstalled_ = false;
+    bool recording_ = false;  // between a successful start and a stop
 };
 
 }  // namespace corvanel

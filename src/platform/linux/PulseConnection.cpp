@@ -1,5 +1,7 @@
 #include "platform/linux/PulseConnection.h"
 
+#include <pulse/rtclock.h>
+
 namespace corvanel {
 
 namespace {
@@ -44,11 +46,13 @@ std::variant<std::unique_ptr<PulseConnection>, int> PulseConnection::open(
     Lock lock(*connection);
     if (pa_context_connect(connection->context(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
         return errorOr(connection->lastError(), PA_ERR_CONNECTIONREFUSED);
+    const Deadline deadline(*connection);
     for (;;) {
         const pa_context_state_t state = pa_context_get_state(connection->context());
         if (state == PA_CONTEXT_READY) break;
         if (!PA_CONTEXT_IS_GOOD(state))
             return errorOr(connection->lastError(), PA_ERR_CONNECTIONTERMINATED);
+        if (deadline.passed()) return PA_ERR_TIMEOUT;
         connection->wait();
     }
     return connection;
@@ -79,16 +83,40 @@ void PulseConnection::signal() {
 }
 
 int PulseConnection::lastError() const {
+    if (timedOut_) return PA_ERR_TIMEOUT;
     return context_ ? errorOr(pa_context_errno(context_.get()), PA_ERR_UNKNOWN) : PA_ERR_UNKNOWN;
 }
 
 bool PulseConnection::complete(pa_operation* operation) {
     if (operation == nullptr) return false;
-    while (pa_operation_get_state(operation) == PA_OPERATION_RUNNING)
+    const Deadline deadline(*this);
+    while (pa_operation_get_state(operation) == PA_OPERATION_RUNNING && !deadline.passed())
         wait();
+    if (pa_operation_get_state(operation) == PA_OPERATION_RUNNING) pa_operation_cancel(operation);
     const bool done = pa_operation_get_state(operation) == PA_OPERATION_DONE;
     pa_operation_unref(operation);
     return done;
+}
+
+PulseConnection::Deadline::Deadline(PulseConnection& connection) : connection_(connection) {
+    connection_.timedOut_ = false;
+    const auto limit = std::chrono::duration_cast<std::chrono::microseconds>(replyDeadline);
+    event_ = pa_context_rttime_new(connection_.context(),
+                                   pa_rtclock_now() + static_cast<pa_usec_t>(limit.count()), onTime,
+                                   this);
+}
+
+PulseConnection::Deadline::~Deadline() {
+    if (event_ != nullptr)
+        pa_threaded_mainloop_get_api(connection_.mainloop_.get())->time_free(event_);
+}
+
+void PulseConnection::Deadline::onTime(pa_mainloop_api*, pa_time_event*, const struct timeval*,
+                                       void* userdata) {
+    auto* deadline = static_cast<Deadline*>(userdata);
+    deadline->passed_ = true;
+    deadline->connection_.timedOut_ = true;
+    deadline->connection_.signal();
 }
 
 }  // namespace corvanel

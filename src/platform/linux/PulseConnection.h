@@ -4,6 +4,7 @@
 // callbacks with `wait()`; callbacks wake them with `signal()`.
 #include <pulse/pulseaudio.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <variant>
@@ -30,14 +31,37 @@ class PulseConnection {
         pa_threaded_mainloop* mainloop_;
     };
 
+    // How long a wait for the server may take. A hung or stopped server keeps its socket open
+    // and never answers; without a limit the caller would wait for libpulse's own 30 s.
+    static constexpr std::chrono::seconds replyDeadline{3};
+
+    // With the lock held, for as long as it lives: marks when `replyDeadline` has passed, and
+    // wakes `wait()` then.
+    class Deadline {
+      public:
+        explicit Deadline(PulseConnection& connection);
+        ~Deadline();
+        Deadline(const Deadline&) = delete;
+        Deadline& operator=(const Deadline&) = delete;
+        bool passed() const { return passed_; }
+
+      private:
+        static void onTime(pa_mainloop_api*, pa_time_event*, const struct timeval*, void* userdata);
+        PulseConnection& connection_;
+        pa_time_event* event_ = nullptr;
+        bool passed_ = false;
+    };
+
     pa_context* context() const { return context_.get(); }
     // With the lock held: sleeps until a callback signals.
     void wait();
     // From a callback on the loop's thread.
     void signal();
-    // The context's last error code (never 0 after a failure).
+    // The context's last error code (never 0 after a failure); PA_ERR_TIMEOUT after a wait
+    // that ran out of time.
     int lastError() const;
-    // With the lock held: runs `operation` to completion (its callback must signal).
+    // With the lock held: runs `operation` to completion (its callback must signal), within
+    // the reply deadline; false when it failed or ran out of time.
     bool complete(pa_operation* operation);
 
   private:
@@ -56,6 +80,7 @@ class PulseConnection {
   private:
     std::unique_ptr<pa_threaded_mainloop, LoopDelete> mainloop_;
     std::unique_ptr<pa_context, ContextDelete> context_;
+    bool timedOut_ = false;
 };
 
 }  // namespace corvanel
