@@ -1,7 +1,8 @@
 #pragma once
 // Port: process taps, aggregate devices and IO procedures (CATapDescription,
-// AudioHardwareCreateProcessTap, AudioHardwareCreateAggregateDevice,
-// AudioDeviceCreateIOProcIDWithBlock, AudioDeviceStart/Stop, the matching destroys).
+// AudioHardwareCreateProcessTap, AudioHardwareCreateAggregateDevice, the aggregate device's input
+// stream configuration, AudioDeviceCreateIOProcIDWithBlock, AudioDeviceStart/Stop, the matching
+// destroys).
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -45,6 +46,10 @@ class ProcessTapHost {
     virtual OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                            AudioObjectID& outDevice) = 0;
     virtual OSStatus destroyAggregateDevice(AudioObjectID device) = 0;
+    // The input buffers a device's IO procedure receives, in order, as the channel count of each
+    // (kAudioDevicePropertyStreamConfiguration, input scope).
+    virtual OSStatus readInputStreamConfiguration(
+        AudioObjectID device, std::vector<std::uint32_t>& outBufferChannels) = 0;
 
     virtual OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) = 0;
     virtual OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) = 0;

@@ -3,6 +3,8 @@
 // lead to one debounced rebuild.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "SpectrumTestWorld.h"
 
 namespace corvanel {
@@ -55,6 +57,25 @@ TEST_F(CaptureLifecycleTest, FirstLaunchCapturesUntilTheMenuImageIsSwitchedOff) 
     world.executor->advanceBy(Seconds{1});
     EXPECT_TRUE(allZero(analyzer->levels()));
     EXPECT_EQ(analyzer->leftLevel(), 0.0f);
+}
+
+TEST_F(CaptureLifecycleTest, TheMetersShowWhatIsPlayedNeverTheOutputDevicesMicrophone) {
+    // A headset: its microphone hears a loud 187.5 Hz hum while the tap plays 1 kHz on the left.
+    auto microphone = std::make_shared<testing::ToneSource>();
+    microphone->frequency = 187.5;
+    microphone->leftAmplitude = microphone->rightAmplitude = 0.9f;
+    world.taps->setDeviceInputs({microphone});
+    const auto analyzer = world.makeAnalyzer();
+    world.tone->leftAmplitude = 0.8f;
+    world.deliverAnalysisBlock();
+    for (int i = 0; i < 5; ++i)
+        world.tick();
+    const std::vector<float>& levels = analyzer->levels();
+    // Band 23 (about 1030 Hz) holds the played tone; bands 12 to 15 (160 to 250 Hz) stay dark.
+    EXPECT_GT(levels[23], 0.5f);
+    EXPECT_LT(*std::max_element(levels.begin() + 12, levels.begin() + 16), 0.05f);
+    EXPECT_GT(analyzer->leftLevel(), 0.5f);
+    EXPECT_LT(analyzer->rightLevel(), 0.05f);
 }
 
 TEST_F(CaptureLifecycleTest, StoredChoiceDecidesCaptureAtCreation) {

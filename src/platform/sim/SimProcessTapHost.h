@@ -1,9 +1,10 @@
 #pragma once
 // A ProcessTapHost in memory. Taps, aggregate devices and IO procedures are plain records;
-// a started IO procedure receives 32-bit float blocks rendered from an AudioSource, on the
-// host's own serial thread paced in real time, or — with manual pacing — one block per
-// `deliverBlock()` call on the caller's thread, for deterministic tests. Any operation can be
-// told to fail with a chosen status, and every call is recorded.
+// a started IO procedure receives 32-bit float blocks rendered from an AudioSource (after the
+// output device's own inputs, when it has some, as on a Mac), on the host's own serial thread
+// paced in real time, or — with manual pacing — one block per `deliverBlock()` call on the
+// caller's thread, for deterministic tests. Any operation can be told to fail with a chosen
+// status, and every call is recorded.
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -14,6 +15,7 @@
 
 #include "platform/ProcessTapHost.h"
 #include "platform/sim/AudioSource.h"
+#include "platform/sim/SimAggregateRenderer.h"
 
 namespace corvanel {
 
@@ -24,6 +26,7 @@ enum class SimTapOperation {
     readTapUID,
     createAggregateDevice,
     destroyAggregateDevice,
+    readInputStreamConfiguration,
     createIOProcID,
     destroyIOProcID,
     deviceStart,
@@ -55,6 +58,10 @@ class SimProcessTapHost final : public ProcessTapHost {
     // The format taps report and blocks are delivered in; the source's rate and stereo by
     // default. Takes effect for IO procedures started afterwards.
     void setFormat(const AudioStreamBasicDescription& format);
+    // The output device's own input streams (a microphone, a line input): one interleaved stream
+    // per source, at its channel count, which every aggregate lists before the tap's buffers.
+    // Takes effect for IO procedures started afterwards.
+    void setDeviceInputs(std::vector<std::shared_ptr<AudioSource>> inputs);
     void setBlockFrames(std::uint32_t frames);
     // The next calls of `operation` fail with `status` (kNoErr to succeed again).
     void failOperation(SimTapOperation operation, OSStatus status);
@@ -80,6 +87,8 @@ class SimProcessTapHost final : public ProcessTapHost {
     OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                    AudioObjectID& outDevice) override;
     OSStatus destroyAggregateDevice(AudioObjectID device) override;
+    OSStatus readInputStreamConfiguration(AudioObjectID device,
+                                          std::vector<std::uint32_t>& outBufferChannels) override;
     OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) override;
     OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStart(AudioObjectID device, IOProcID proc) override;
@@ -96,11 +105,14 @@ class SimProcessTapHost final : public ProcessTapHost {
     OSStatus record(SimTapOperation operation, std::uint64_t object, OSStatus status);
     OSStatus injected(SimTapOperation operation) const;
     void stopLocked(IOProc& proc);
+    AudioStreamBasicDescription currentFormatLocked() const;
+    SimAggregateRenderer rendererLocked(std::uint32_t frames) const;
 
     mutable std::mutex mutex_;
     std::shared_ptr<AudioSource> source_;
     Pacing pacing_;
     AudioStreamBasicDescription format_;
+    std::vector<std::shared_ptr<AudioSource>> deviceInputs_;
     std::uint32_t blockFrames_ = 512;
     std::map<SimTapOperation, OSStatus> failures_;
     std::vector<SimTapCall> calls_;
