@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/sim/SimAudioHardware.h"
+#include "switching/CoreAudioHelper.h"
 
 namespace corvanel {
 
@@ -84,8 +85,18 @@ void SimProcessTapHost::setDeviceInputs(std::vector<std::shared_ptr<AudioSource>
     deviceInputs_ = std::move(inputs);
 }
 
+void SimProcessTapHost::followDeviceRate(std::shared_ptr<AudioHardware> audio) {
+    std::lock_guard lock(mutex_);
+    rateDevices_ = std::move(audio);
+}
+
 AudioStreamBasicDescription SimProcessTapHost::currentFormatLocked() const {
-    return format_;
+    AudioStreamBasicDescription format = format_;
+    if (!rateDevices_) return format;
+    const std::optional<AudioObjectID> device = CoreAudioHelper::defaultOutputDevice(*rateDevices_);
+    const double rate = device ? CoreAudioHelper::nominalRate(*rateDevices_, *device) : 0.0;
+    if (rate > 0) format.mSampleRate = rate;
+    return format;
 }
 
 SimAggregateRenderer SimProcessTapHost::rendererLocked(std::uint32_t frames) const {

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/AudioHardware.h"
 #include "platform/ProcessTapHost.h"
 #include "platform/sim/AudioSource.h"
 #include "platform/sim/SimAggregateRenderer.h"
@@ -62,6 +63,9 @@ class SimProcessTapHost final : public ProcessTapHost {
     // per source, at its channel count, which every aggregate lists before the tap's buffers.
     // Takes effect for IO procedures started afterwards.
     void setDeviceInputs(std::vector<std::shared_ptr<AudioSource>> inputs);
+    // Taps then run at the nominal rate of `audio`'s default output device, as a tap of the
+    // output mix does, read whenever a tap's format is asked for or an IO procedure starts.
+    void followDeviceRate(std::shared_ptr<AudioHardware> audio);
     void setBlockFrames(std::uint32_t frames);
     // The next calls of `operation` fail with `status` (kNoErr to succeed again).
     void failOperation(SimTapOperation operation, OSStatus status);
@@ -113,6 +117,7 @@ class SimProcessTapHost final : public ProcessTapHost {
     Pacing pacing_;
     AudioStreamBasicDescription format_;
     std::vector<std::shared_ptr<AudioSource>> deviceInputs_;
+    std::shared_ptr<AudioHardware> rateDevices_;
     std::uint32_t blockFrames_ = 512;
     std::map<SimTapOperation, OSStatus> failures_;
     std::vector<SimTapCall> calls_;
