@@ -3,6 +3,17 @@
 
 #include "platform/mac/NativeWindowChrome.h"
 
+// The material inside Qt's view: seen, never hit, so every click and hover still reaches Qt.
+@interface CorvanelMaterialView : NSVisualEffectView
+@end
+
+@implementation CorvanelMaterialView
+- (NSView*)hitTest:(NSPoint)point {
+    (void)point;
+    return nil;
+}
+@end
+
 namespace corvanel::nativeWindow {
 namespace {
 
@@ -42,16 +53,17 @@ void fadeStandardButtons(void* view, bool visible, double seconds) {
 }
 
 void installTranslucentMaterial(void* view) {
+    // Qt's view is the window's content view (Qt places the window by it). The material goes
+    // inside it, below everything Qt shows; the window's frame view takes no subviews of ours.
     NSView* content = (__bridge NSView*)view;
     NSWindow* window = content.window;
-    NSView* frame = content.superview;
-    if (window == nil || frame == nil) return;
+    if (window == nil) return;
     window.opaque = NO;
     window.backgroundColor = [NSColor clearColor];
-    for (NSView* sibling in frame.subviews) {
-        if ([sibling.identifier isEqualToString:materialIdentifier]) return;
+    for (NSView* subview in content.subviews) {
+        if ([subview.identifier isEqualToString:materialIdentifier]) return;
     }
-    NSVisualEffectView* material = [[NSVisualEffectView alloc] initWithFrame:frame.bounds];
+    CorvanelMaterialView* material = [[CorvanelMaterialView alloc] initWithFrame:content.bounds];
     material.identifier = materialIdentifier;
     // The thinnest of the window materials, kept translucent while the panel is not key.
     material.material = NSVisualEffectMaterialUnderWindowBackground;
@@ -60,7 +72,10 @@ void installTranslucentMaterial(void* view) {
     // The shell draws with a dark palette; the material and the window buttons match it.
     window.appearance = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
     material.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
-    [frame addSubview:material positioned:NSWindowBelow relativeTo:content];
+    [content addSubview:material positioned:NSWindowBelow relativeTo:nil];
+    // Qt draws into a layer beside its subviews' layers: the material's stays behind it.
+    material.wantsLayer = YES;
+    material.layer.zPosition = -1;
 }
 
 }  // namespace corvanel::nativeWindow
