@@ -1,5 +1,6 @@
 // The AppKit side of the shell's window chrome.
 #import <AppKit/AppKit.h>
+#import <QuartzCore/QuartzCore.h>
 
 #include "platform/mac/NativeWindowChrome.h"
 
@@ -22,6 +23,18 @@ NSWindow* windowOf(void* view) {
 }
 
 NSString* const materialIdentifier = @"Corvanel.TranslucentMaterial";
+
+// Whether the view draws into a sublayer of its own layer (a layer that backs none of its
+// subviews), so that a subview's layer can be ordered behind that drawing.
+bool drawsInSublayer(NSView* view) {
+    for (CALayer* layer in view.layer.sublayers) {
+        bool backsSubview = false;
+        for (NSView* subview in view.subviews)
+            backsSubview = backsSubview || subview.layer == layer;
+        if (!backsSubview) return true;
+    }
+    return false;
+}
 
 }  // namespace
 
@@ -58,19 +71,24 @@ void installTranslucentMaterial(void* view) {
     NSView* content = (__bridge NSView*)view;
     NSWindow* window = content.window;
     if (window == nil) return;
+    // The shell draws with a dark palette; the material and the window buttons match it.
+    window.appearance = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
+    bool installed = false;
+    for (NSView* subview in content.subviews)
+        installed = installed || [subview.identifier isEqualToString:materialIdentifier];
+    // Where Qt draws into its view's own layer, any subview would cover the content: the window
+    // then keeps its plain dark background instead of a material.
+    if (!installed && !drawsInSublayer(content)) return;
+    // Also for a material already in place: Qt may have moved its view to a new window.
     window.opaque = NO;
     window.backgroundColor = [NSColor clearColor];
-    for (NSView* subview in content.subviews) {
-        if ([subview.identifier isEqualToString:materialIdentifier]) return;
-    }
+    if (installed) return;
     CorvanelMaterialView* material = [[CorvanelMaterialView alloc] initWithFrame:content.bounds];
     material.identifier = materialIdentifier;
     // The thinnest of the window materials, kept translucent while the panel is not key.
     material.material = NSVisualEffectMaterialUnderWindowBackground;
     material.blendingMode = NSVisualEffectBlendingModeBehindWindow;
     material.state = NSVisualEffectStateActive;
-    // The shell draws with a dark palette; the material and the window buttons match it.
-    window.appearance = [NSAppearance appearanceNamed:NSAppearanceNameDarkAqua];
     material.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
     [content addSubview:material positioned:NSWindowBelow relativeTo:nil];
     // Qt draws into a layer beside its subviews' layers: the material's stays behind it.
