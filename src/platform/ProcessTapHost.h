@@ -35,6 +35,9 @@ class ProcessTapHost {
     // Runs on the host's serial capture thread for every delivered block; must not allocate,
     // log or block. `buffers` may be empty.
     using IOBlock = std::function<void(const AudioBufferView* buffers, std::uint32_t count)>;
+    // Told, on any thread, that a started IO procedure has stopped for good (its device vanished,
+    // the sound server went away), with the platform's status.
+    using FailureHandler = std::function<void(IOProcID proc, OSStatus status)>;
 
     virtual ~ProcessTapHost() = default;
 
@@ -55,6 +58,9 @@ class ProcessTapHost {
     virtual OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) = 0;
     virtual OSStatus deviceStart(AudioObjectID device, IOProcID proc) = 0;
     virtual OSStatus deviceStop(AudioObjectID device, IOProcID proc) = 0;
+    // Replaces the handler for failures after start. A host that cannot see such failures
+    // never calls it.
+    virtual void setFailureHandler(FailureHandler handler) { (void)handler; }
 };
 
 }  // namespace corvanel

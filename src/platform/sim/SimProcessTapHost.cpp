@@ -174,6 +174,29 @@ bool SimProcessTapHost::deliverBuffers(const AudioBufferView* buffers, std::uint
     return delivered;
 }
 
+void SimProcessTapHost::loseCapture(OSStatus status) {
+    std::vector<IOProcID> lost;
+    FailureHandler handler;
+    {
+        std::lock_guard lock(mutex_);
+        for (auto& [id, proc] : procs_) {
+            if (!proc.started) continue;
+            stopLocked(proc);
+            lost.push_back(id);
+        }
+        handler = failureHandler_;
+    }
+    // Outside the lock: the handler may call back into the host.
+    if (!handler) return;
+    for (const IOProcID proc : lost)
+        handler(proc, status);
+}
+
+void SimProcessTapHost::setFailureHandler(FailureHandler handler) {
+    std::lock_guard lock(mutex_);
+    failureHandler_ = std::move(handler);
+}
+
 OSStatus SimProcessTapHost::record(SimTapOperation operation, std::uint64_t object,
                                    OSStatus status) {
     calls_.push_back({operation, object, status});

@@ -83,6 +83,9 @@ class SimProcessTapHost final : public ProcessTapHost {
     bool deliverBlock();
     // Hands the given buffers as they are to every started IO procedure (odd sizes, holes).
     bool deliverBuffers(const AudioBufferView* buffers, std::uint32_t count);
+    // Every started IO procedure stops for good, as when the device or the sound server goes
+    // away, and the failure handler hears of each with `status`, on the caller's thread.
+    void loseCapture(OSStatus status);
 
     OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) override;
     OSStatus destroyProcessTap(AudioObjectID tap) override;
@@ -97,6 +100,7 @@ class SimProcessTapHost final : public ProcessTapHost {
     OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStart(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStop(AudioObjectID device, IOProcID proc) override;
+    void setFailureHandler(FailureHandler handler) override;
 
   private:
     class RealTimeDelivery;
@@ -120,6 +124,7 @@ class SimProcessTapHost final : public ProcessTapHost {
     std::shared_ptr<AudioHardware> rateDevices_;
     std::uint32_t blockFrames_ = 512;
     std::map<SimTapOperation, OSStatus> failures_;
+    FailureHandler failureHandler_;
     std::vector<SimTapCall> calls_;
     std::optional<TapDescription> lastTap_;
     std::optional<DescriptionDictionary> lastAggregate_;
