@@ -148,8 +148,9 @@ TEST_F(SwitcherEngineDeviceTest, TheMetersFrequencyAxisFollowsTheEnginesOwnSwitc
     EXPECT_EQ(engine->spectrum()->tapSampleRate(), 96000);
     EXPECT_EQ(loudestBand(), 23);
 
-    // Once the capture runs at the device's rate, the device's confirmations change nothing.
+    // Once the capture runs at the device's rate, a late confirmation of it changes nothing.
     const std::size_t tapsBefore = tapsCreated();
+    mac.audio->changeNominalRateExternally(dac, 96000);
     mac.executor->advanceBy(1s);
     EXPECT_EQ(tapsCreated(), tapsBefore);
 }
