@@ -1,6 +1,6 @@
 #pragma once
-// Port: distributed notifications (NSDistributedNotificationCenter addObserverForName:object:
-// queue:usingBlock: with no sender filter, delivered on the main queue).
+// Port: distributed notifications (NSDistributedNotificationCenter addObserver:selector:name:
+// object:suspensionBehavior: with no sender filter, delivered immediately on the main thread).
 #include <cstdint>
 #include <functional>
 #include <map>

@@ -1,7 +1,8 @@
 #pragma once
 // Port: process taps, aggregate devices and IO procedures (CATapDescription,
-// AudioHardwareCreateProcessTap, AudioHardwareCreateAggregateDevice,
-// AudioDeviceCreateIOProcIDWithBlock, AudioDeviceStart/Stop, the matching destroys).
+// AudioHardwareCreateProcessTap, AudioHardwareCreateAggregateDevice, the aggregate device's input
+// stream configuration, AudioDeviceCreateIOProcIDWithBlock, AudioDeviceStart/Stop, the matching
+// destroys).
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -34,6 +35,9 @@ class ProcessTapHost {
     // Runs on the host's serial capture thread for every delivered block; must not allocate,
     // log or block. `buffers` may be empty.
     using IOBlock = std::function<void(const AudioBufferView* buffers, std::uint32_t count)>;
+    // Told, on any thread, that a started IO procedure has stopped for good (its device vanished,
+    // the sound server went away), with the platform's status.
+    using FailureHandler = std::function<void(IOProcID proc, OSStatus status)>;
 
     virtual ~ProcessTapHost() = default;
 
@@ -45,11 +49,18 @@ class ProcessTapHost {
     virtual OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                            AudioObjectID& outDevice) = 0;
     virtual OSStatus destroyAggregateDevice(AudioObjectID device) = 0;
+    // The input buffers a device's IO procedure receives, in order, as the channel count of each
+    // (kAudioDevicePropertyStreamConfiguration, input scope).
+    virtual OSStatus readInputStreamConfiguration(
+        AudioObjectID device, std::vector<std::uint32_t>& outBufferChannels) = 0;
 
     virtual OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) = 0;
     virtual OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) = 0;
     virtual OSStatus deviceStart(AudioObjectID device, IOProcID proc) = 0;
     virtual OSStatus deviceStop(AudioObjectID device, IOProcID proc) = 0;
+    // Replaces the handler for failures after start. A host that cannot see such failures
+    // never calls it.
+    virtual void setFailureHandler(FailureHandler handler) { (void)handler; }
 };
 
 }  // namespace corvanel

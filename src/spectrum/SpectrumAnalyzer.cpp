@@ -22,6 +22,13 @@ constexpr float rmsFloor = 1e-9f;
 std::shared_ptr<SpectrumAnalyzer> SpectrumAnalyzer::create(PlatformPorts ports) {
     auto analyzer = std::make_shared<SpectrumAnalyzer>(ConstructionKey{}, std::move(ports));
     analyzer->menuBarEnabled_ = readBool(*analyzer->ports_.settings, enabledKey, true);
+    analyzer->ports_.taps->setFailureHandler(
+        [weak = std::weak_ptr<SpectrumAnalyzer>(analyzer), executor = analyzer->ports_.executor](
+            IOProcID proc, OSStatus status) {
+            executor->post([weak, proc, status] {
+                if (const auto target = weak.lock()) target->captureLost(proc, status);
+            });
+        });
     if (analyzer->menuBarEnabled_ && !analyzer->pipeline_.isRunning()) analyzer->startSequence();
     return analyzer;
 }
@@ -100,6 +107,9 @@ void SpectrumAnalyzer::startSequence() {
     if (auto error = pipeline_.build()) {
         setStatusMessage(error->message);
         pipeline_.teardown();
+        if (recoveryDelay_) scheduleRecovery();
+    } else {
+        recoveryDelay_.reset();
     }
     // A started analyzer always ticks, also after a failed build: outputs decay or hold.
     startAnalysisLoop();
@@ -108,6 +118,7 @@ void SpectrumAnalyzer::startSequence() {
 void SpectrumAnalyzer::stop() {
     if (restartTask_) restartTask_->cancel();
     restartTask_.reset();
+    recoveryDelay_.reset();
     if (analysisTask_) analysisTask_->cancel();
     analysisTask_.reset();
     pipeline_.teardown();
@@ -117,6 +128,35 @@ void SpectrumAnalyzer::stop() {
     rightLevel_ = 0;
     setStatusMessage(std::nullopt);
     valuesChanged.emit();
+}
+
+// --- Capture lost after its start ---------------------------------------------------------
+
+void SpectrumAnalyzer::captureLost(IOProcID proc, OSStatus status) {
+    // A report about a capture that has been stopped or rebuilt since changes nothing.
+    if (pipeline_.ioProcID() != proc) return;
+    pipeline_.teardown();
+    const char* const step = "keep audio capture running";
+    const std::optional<SpectrumError> error = TapPipeline::check(status, step);
+    setStatusMessage(error ? error->message : "Could not " + std::string(step) + ".");
+    recoveryDelay_ = firstRecoveryDelay;
+    scheduleRecovery();
+}
+
+void SpectrumAnalyzer::scheduleRecovery() {
+    const Seconds delay = *recoveryDelay_;
+    recoveryDelay_ = std::min(delay * 2, longestRecoveryDelay);
+    if (restartTask_) restartTask_->cancel();
+    restartTask_ = spawn(ports_.executor, recoverAfterDelay(weak_from_this(), delay));
+}
+
+Task<> SpectrumAnalyzer::recoverAfterDelay(std::weak_ptr<SpectrumAnalyzer> weak, Seconds delay) {
+    co_await sleepFor(delay);
+    if (co_await isCancelled()) co_return;
+    const auto analyzer = weak.lock();
+    if (!analyzer || analyzer->pipeline_.isRunning()) co_return;
+    // A failed attempt schedules the next one, a little later.
+    analyzer->startSequence();
 }
 
 void SpectrumAnalyzer::setStatusMessage(std::optional<std::string> message) {

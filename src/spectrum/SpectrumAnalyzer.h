@@ -29,6 +29,10 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
     static constexpr Seconds rebuildDelay{0.6};
     static constexpr Seconds peakHold{1.0};
     static constexpr Seconds channelStaleAfter{0.3};
+    // Capture lost after its start is rebuilt after 1 s, then at doubling intervals up to 30 s,
+    // for as long as it is wanted.
+    static constexpr Seconds firstRecoveryDelay{1.0};
+    static constexpr Seconds longestRecoveryDelay{30.0};
     static constexpr const char* enabledKey = "spectrumEnabled";
 
     // Prepares the transform and window, reads the stored menu-bar choice and starts capture
@@ -78,6 +82,8 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
 
   private:
     void startSequence();
+    void captureLost(IOProcID proc, OSStatus status);
+    void scheduleRecovery();
     void stop();
     void startAnalysisLoop();
     void updateLevels();
@@ -87,6 +93,7 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
 
     static Task<> analysisLoop(std::weak_ptr<SpectrumAnalyzer> weak);
     static Task<> rebuildAfterDelay(std::weak_ptr<SpectrumAnalyzer> weak);
+    static Task<> recoverAfterDelay(std::weak_ptr<SpectrumAnalyzer> weak, Seconds delay);
 
     PlatformPorts ports_;
     std::vector<float> levels_ = std::vector<float>(bandCount, 0.0f);
@@ -99,6 +106,8 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
     std::int64_t visibleMeterWindows_ = 0;
     std::optional<TaskHandle> analysisTask_;
     std::optional<TaskHandle> restartTask_;
+    // While capture lost after its start is being won back: the wait before the next attempt.
+    std::optional<Seconds> recoveryDelay_;
     std::shared_ptr<SampleRingBuffer> ring_;
     TapPipeline pipeline_;
     BandSpectrum spectrum_;

@@ -1,6 +1,7 @@
 #include "spectrum/TapPipeline.h"
 
 #include <utility>
+#include <vector>
 
 #include "spectrum/AggregateDescription.h"
 #include "spectrum/CaptureCallback.h"
@@ -55,8 +56,16 @@ std::optional<SpectrumError> TapPipeline::build() {
         return error;
     aggregateID_ = aggregate;
 
+    // The callback reads the tap's buffer, never one of the output device's own inputs.
+    std::vector<std::uint32_t> inputBuffers;
+    if (auto error = check(host_->readInputStreamConfiguration(aggregateID_, inputBuffers),
+                           "read the capture device's streams"))
+        return error;
+    const std::optional<std::uint32_t> tapBuffer = tapBufferIndex(inputBuffers, format);
+    if (!tapBuffer) return SpectrumError{noTapStreamMessage};
+
     IOProcID proc = 0;
-    const CaptureContext context = CaptureContext::forFormat(format, ring_);
+    const CaptureContext context = CaptureContext::forFormat(format, ring_, *tapBuffer);
     auto block = [context](const AudioBufferView* buffers, std::uint32_t count) {
         deliverCapturedBlock(context, buffers, count);
     };

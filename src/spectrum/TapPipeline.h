@@ -1,8 +1,8 @@
 #pragma once
 // The capture chain over the ProcessTapHost port: a process tap mirroring the output mix, a
-// private aggregate device carrying it, and an IO procedure whose callback writes every block
-// into the ring. Built in that order, removed in the reverse order; a failed build leaves what
-// it made for `teardown()`, which is safe at any time and any number of times.
+// private aggregate device carrying it, and an IO procedure whose callback writes the tap's
+// buffer of every block into the ring. Built in that order, removed in the reverse order; a failed
+// build leaves what it made for `teardown()`, which is safe at any time and any number of times.
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -41,6 +41,8 @@ class TapPipeline {
     static constexpr const char* tapName = "Corvanel Spectrum Tap";
     static constexpr const char* noOutputDeviceMessage =
         "No default output device available for the spectrum tap.";
+    static constexpr const char* noTapStreamMessage =
+        "The capture device carries no stream for the audio tap.";
 
   private:
     std::shared_ptr<ProcessTapHost> host_;

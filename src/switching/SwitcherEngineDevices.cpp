@@ -76,10 +76,16 @@ void SwitcherEngine::handleDefaultDeviceChanged() {
 void SwitcherEngine::refreshDeviceRate() {
     if (!deviceID_) return;
     const double rate = CoreAudioHelper::nominalRate(*ports_.audio, *deviceID_);
-    if (!(std::fabs(rate - deviceRate_) > 0.5)) return;
-    assign(deviceRate_, rate);
-    applyMaxBitDepth(*deviceID_);
-    spectrum_->deviceConfigurationChanged();
+    const bool rateChanged = std::fabs(rate - deviceRate_) > 0.5;
+    if (rateChanged) {
+        assign(deviceRate_, rate);
+        applyMaxBitDepth(*deviceID_);
+    }
+    // The tap runs at the device's rate. After Corvanel's own switch the new rate is already
+    // stored, but the capture still runs at the old one and every band would be shifted by the
+    // ratio of the two rates: it is rebuilt as after any other change.
+    if (rateChanged || (rate > 0 && std::fabs(rate - spectrum_->tapSampleRate()) > 0.5))
+        spectrum_->deviceConfigurationChanged();
 }
 
 }  // namespace corvanel

@@ -3,6 +3,8 @@
 // lead to one debounced rebuild.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "SpectrumTestWorld.h"
 
 namespace corvanel {
@@ -55,6 +57,85 @@ TEST_F(CaptureLifecycleTest, FirstLaunchCapturesUntilTheMenuImageIsSwitchedOff) 
     world.executor->advanceBy(Seconds{1});
     EXPECT_TRUE(allZero(analyzer->levels()));
     EXPECT_EQ(analyzer->leftLevel(), 0.0f);
+}
+
+TEST_F(CaptureLifecycleTest, TheMetersShowWhatIsPlayedNeverTheOutputDevicesMicrophone) {
+    // A headset: its microphone hears a loud 187.5 Hz hum while the tap plays 1 kHz on the left.
+    auto microphone = std::make_shared<testing::ToneSource>();
+    microphone->frequency = 187.5;
+    microphone->leftAmplitude = microphone->rightAmplitude = 0.9f;
+    world.taps->setDeviceInputs({microphone});
+    const auto analyzer = world.makeAnalyzer();
+    world.tone->leftAmplitude = 0.8f;
+    world.deliverAnalysisBlock();
+    for (int i = 0; i < 5; ++i)
+        world.tick();
+    const std::vector<float>& levels = analyzer->levels();
+    // Band 23 (about 1030 Hz) holds the played tone; bands 12 to 15 (160 to 250 Hz) stay dark.
+    EXPECT_GT(levels[23], 0.5f);
+    EXPECT_LT(*std::max_element(levels.begin() + 12, levels.begin() + 16), 0.05f);
+    EXPECT_GT(analyzer->leftLevel(), 0.5f);
+    EXPECT_LT(analyzer->rightLevel(), 0.05f);
+}
+
+TEST_F(CaptureLifecycleTest, CaptureLostAfterItsStartSaysSoAndComesBackByItself) {
+    const auto analyzer = world.makeAnalyzer();
+    // The sound server goes away: the running capture stops, and new taps are refused.
+    world.taps->failOperation(Op::createProcessTap, 6);
+    world.taps->loseCapture(-10);
+    world.executor->runUntilIdle();
+    EXPECT_FALSE(analyzer->isCapturing());
+    EXPECT_EQ(analyzer->statusMessage(),
+              std::optional<std::string>(
+                  "Could not keep audio capture running (error -10). Check System Settings ▸ "
+                  "Privacy & Security ▸ Screen & System Audio Recording."));
+
+    // Attempts after 1 s, then 2, 4, 8 and 16 s later, each showing why it failed.
+    const auto attemptsAfter = [&](double seconds) {
+        const int before = countOf(*world.taps, Op::createProcessTap);
+        world.executor->advanceBy(Seconds{seconds});
+        return countOf(*world.taps, Op::createProcessTap) - before;
+    };
+    EXPECT_EQ(attemptsAfter(0.99), 0);
+    EXPECT_EQ(attemptsAfter(0.01), 1);
+    EXPECT_EQ(attemptsAfter(1.99), 0);
+    EXPECT_EQ(attemptsAfter(0.01), 1);
+    EXPECT_EQ(attemptsAfter(4.0), 1);
+    ASSERT_TRUE(analyzer->statusMessage().has_value());
+    EXPECT_EQ(analyzer->statusMessage()->rfind("Could not create the audio tap (error 6).", 0), 0u);
+
+    // The wait doubles up to 30 s and stays there.
+    EXPECT_EQ(attemptsAfter(8.0), 1);
+    EXPECT_EQ(attemptsAfter(16.0), 1);
+    EXPECT_EQ(attemptsAfter(29.99), 0);
+    EXPECT_EQ(attemptsAfter(0.01), 1);
+
+    // The server is back: the next attempt, 30 s later, captures again and clears the message.
+    world.taps->failOperation(Op::createProcessTap, kNoErr);
+    EXPECT_EQ(attemptsAfter(30.0), 1);
+    EXPECT_TRUE(analyzer->isCapturing());
+    EXPECT_FALSE(analyzer->statusMessage().has_value());
+    EXPECT_EQ(attemptsAfter(120.0), 0);
+
+    // Lost again while nothing wants capture any more: no attempts at all.
+    world.taps->failOperation(Op::createProcessTap, 6);
+    world.taps->loseCapture(-10);
+    world.executor->runUntilIdle();
+    analyzer->setMenuBarEnabled(false);
+    EXPECT_EQ(attemptsAfter(120.0), 0);
+}
+
+TEST_F(CaptureLifecycleTest, ALossReportedForAReplacedCaptureChangesNothing) {
+    const auto analyzer = world.makeAnalyzer();
+    world.taps->loseCapture(-10);
+    // Before the report reaches the main thread, capture is stopped and started afresh.
+    analyzer->setMenuBarEnabled(false);
+    analyzer->setMenuBarEnabled(true);
+    world.executor->runUntilIdle();
+    EXPECT_TRUE(analyzer->isCapturing());
+    EXPECT_FALSE(analyzer->statusMessage().has_value());
+    world.executor->advanceBy(Seconds{60});
+    EXPECT_EQ(countOf(*world.taps, Op::createProcessTap), 2);
 }
 
 TEST_F(CaptureLifecycleTest, StoredChoiceDecidesCaptureAtCreation) {

@@ -26,6 +26,8 @@ class ToneSource final : public AudioSource {
     float leftAmplitude = 0.0f;
     float rightAmplitude = 0.0f;
 
+    // The player now plays at another rate (the device was switched): the tone keeps its pitch.
+    void setSampleRate(double rate) { rate_ = rate; }
     double sampleRate() const override { return rate_; }
     std::uint32_t channels() const override { return 2; }
     void render(float* interleaved, std::size_t frames) override {

@@ -5,9 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <regex>
 
 #include "SpectrumTestWorld.h"
+#include "spectrum/CaptureCallback.h"
 
 namespace corvanel {
 namespace {
@@ -47,9 +49,9 @@ TEST_F(TapPipelineTest, BuildsTapDeviceAndCallbackInOrderAndRemovesThemInReverse
     std::vector<Op> order;
     for (const SimTapCall& call : world.taps->calls())
         order.push_back(call.operation);
-    EXPECT_EQ(order,
-              (std::vector<Op>{Op::createProcessTap, Op::readTapFormat, Op::readTapUID,
-                               Op::createAggregateDevice, Op::createIOProcID, Op::deviceStart}));
+    EXPECT_EQ(order, (std::vector<Op>{Op::createProcessTap, Op::readTapFormat, Op::readTapUID,
+                                      Op::createAggregateDevice, Op::readInputStreamConfiguration,
+                                      Op::createIOProcID, Op::deviceStart}));
 
     world.taps->clearCalls();
     pipeline.teardown();
@@ -147,6 +149,10 @@ TEST_F(TapPipelineTest, EachFailingStepNamesItselfAndLeavesOnlyWhatItBuilt) {
          1852797029,
          "Could not create the capture device (error 1852797029). " + permissionHint,
          {Op::destroyProcessTap}},
+        {Op::readInputStreamConfiguration,
+         -10851,
+         "Could not read the capture device's streams (error -10851). " + permissionHint,
+         {Op::destroyAggregateDevice, Op::destroyProcessTap}},
         {Op::createIOProcID,
          -4,
          "Could not install the audio callback (error -4). " + permissionHint,
@@ -260,6 +266,39 @@ TEST_F(CaptureCallbackTest, EmptyListsAndMissingDataAreIgnored) {
     deliver({{2, 4096, nullptr}});
     EXPECT_EQ(framesHeld(), 0);
     EXPECT_EQ(ring->levelSnapshot().lastWrite, MonoTime::min());
+}
+
+TEST_F(CaptureCallbackTest, TheTapIsReadBehindTheOutputDevicesOwnInputs) {
+    // A headset's microphone and a line input, both loud, come first in the aggregate's list.
+    auto microphone = std::make_shared<testing::ToneSource>();
+    microphone->frequency = 187.5;
+    microphone->leftAmplitude = microphone->rightAmplitude = 0.9f;
+    world.taps->setDeviceInputs({microphone, microphone});
+    world.tone->leftAmplitude = 0.5f;
+    world.tone->rightAmplitude = 0.25f;
+    for (const bool interleaved : {true, false}) {
+        SCOPED_TRACE(interleaved ? "interleaved tap" : "one buffer per channel");
+        start(SimProcessTapHost::floatFormat(48000, 2, interleaved));
+        world.taps->deliverBlock();
+        pipeline.teardown();
+        // 512 frames hold exactly 11 periods of the tap's tone: RMS = amplitude / sqrt 2.
+        const ChannelRMS rms = ring->levelSnapshot().channelRMS;
+        EXPECT_NEAR(rms.left, 0.5f / std::sqrt(2.0f), 1e-3f);
+        EXPECT_NEAR(rms.right, (interleaved ? 0.25f : 0.5f) / std::sqrt(2.0f), 1e-3f);
+    }
+}
+
+TEST(TapBufferIndex, TheTapsBuffersAreTheLastOnesAndMustHaveItsShape) {
+    const auto stereo = SimProcessTapHost::floatFormat(48000, 2);
+    const auto split = SimProcessTapHost::floatFormat(48000, 2, false);
+    EXPECT_EQ(tapBufferIndex({2}, stereo), 0u);
+    EXPECT_EQ(tapBufferIndex({1, 2, 2}, stereo), 2u);  // a mono and a stereo input first
+    EXPECT_EQ(tapBufferIndex({4, 1, 1}, split), 1u);
+    // A list without the tap's buffers names none rather than a device input.
+    EXPECT_EQ(tapBufferIndex({}, stereo), std::nullopt);
+    EXPECT_EQ(tapBufferIndex({2, 1}, stereo), std::nullopt);
+    EXPECT_EQ(tapBufferIndex({1}, split), std::nullopt);
+    EXPECT_EQ(tapBufferIndex({1, 2}, split), std::nullopt);
 }
 
 TEST_F(CaptureCallbackTest, SimulatedBlocksArriveAsTheFormatSays) {

@@ -2,7 +2,10 @@
 // listener moves with the device, and the analyzer hears of every change.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "SimulatedMac.h"
+#include "spectrum/SpectrumTestWorld.h"
 #include "switching/SwitcherEngine.h"
 
 namespace corvanel {
@@ -115,11 +118,40 @@ TEST_F(SwitcherEngineDeviceTest, ARateSetByAnotherProgramIsFollowedSilently) {
     EXPECT_EQ(tapsCreated(), tapsBefore + 1);
 }
 
-TEST_F(SwitcherEngineDeviceTest, TheEnginesOwnSwitchIsNotSeenAsAChangeWhenTheDeviceConfirms) {
-    const auto engine = startPlaying96k();
+TEST_F(SwitcherEngineDeviceTest, TheMetersFrequencyAxisFollowsTheEnginesOwnSwitch) {
+    // A 1 kHz tone plays through a DAC at 44.1 kHz; the tap runs at the DAC's rate.
+    auto tone = std::make_shared<testing::ToneSource>(44100);
+    tone->frequency = 1000;
+    tone->leftAmplitude = tone->rightAmplitude = 0.8f;
+    mac.taps = std::make_shared<SimProcessTapHost>(tone, SimProcessTapHost::Pacing::manual);
+    mac.taps->followDeviceRate(mac.audio);
+    const AudioObjectID dac = mac.addDevice("DAC", 44100, {44100, 48000, 96000});
+    mac.audio->setDefaultOutputDevice(dac);
+    const auto engine = SwitcherEngine::create(mac.ports());
+    mac.executor->runUntilIdle();
+    const auto loudestBand = [&] {
+        for (int block = 0; block < 8; ++block)
+            mac.taps->deliverBlock();
+        mac.executor->advanceBy(0.2s);
+        const std::vector<float>& levels = engine->spectrum()->levels();
+        return std::max_element(levels.begin(), levels.end()) - levels.begin();
+    };
+    // 20 * 800^(23/39), about 1030 Hz, is the band centre nearest 1 kHz.
+    EXPECT_EQ(loudestBand(), 23);
+
+    // A 96 kHz track: the engine switches the DAC itself, the player follows.
+    mac.log->add("Music", "Creating AudioQueue with sampleRate:96000.0", mac.secondsIn(0));
+    mac.postPlayerState("Playing");
+    mac.executor->advanceBy(2s);
+    ASSERT_EQ(mac.audio->nominalRate(dac), 96000);
+    tone->setSampleRate(96000);
+    EXPECT_EQ(engine->spectrum()->tapSampleRate(), 96000);
+    EXPECT_EQ(loudestBand(), 23);
+
+    // Once the capture runs at the device's rate, a late confirmation of it changes nothing.
     const std::size_t tapsBefore = tapsCreated();
+    mac.audio->changeNominalRateExternally(dac, 96000);
     mac.executor->advanceBy(1s);
-    EXPECT_EQ(engine->deviceRate(), 48000);
     EXPECT_EQ(tapsCreated(), tapsBefore);
 }
 

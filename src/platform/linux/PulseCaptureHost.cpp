@@ -225,6 +225,16 @@ OSStatus PulseCaptureHost::destroyAggregateDevice(AudioObjectID device) {
     return PA_OK;
 }
 
+OSStatus PulseCaptureHost::readInputStreamConfiguration(
+    AudioObjectID device, std::vector<std::uint32_t>& outBufferChannels) {
+    if (device != deviceObject || !connection_) return PA_ERR_NOENTITY;
+    PulseConnection::Lock lock(*connection_);
+    if (!stream_) return PA_ERR_NOENTITY;
+    // The monitor's record stream is the only input: one interleaved buffer.
+    outBufferChannels = {channelCount};
+    return PA_OK;
+}
+
 OSStatus PulseCaptureHost::createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) {
     if (device != deviceObject || !connection_) return PA_ERR_NOENTITY;
     PulseConnection::Lock lock(*connection_);

@@ -48,6 +48,8 @@ class PulseCaptureHost final : public ProcessTapHost {
     OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                    AudioObjectID& outDevice) override;
     OSStatus destroyAggregateDevice(AudioObjectID device) override;
+    OSStatus readInputStreamConfiguration(AudioObjectID device,
+                                          std::vector<std::uint32_t>& outBufferChannels) override;
     OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) override;
     OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStart(AudioObjectID device, IOProcID proc) override;

@@ -127,7 +127,9 @@ class MacAudioHardware final : public AudioHardware {
         const auto platform = platformAddress(address);
         const OSStatus status = AudioObjectRemovePropertyListenerBlock(
             object, &platform, dispatch_get_main_queue(), *block);
-        if (status == noErr) listeners_.erase(listener);
+        // Forgotten also when the removal fails: a device that was unplugged has taken its
+        // listeners with it, and nothing could ever remove this one again.
+        listeners_.erase(listener);
         return status;
     }
 

@@ -1,5 +1,5 @@
-// PlayerNotifications on the distributed notification centre, delivered on the main queue. The
-// observer tokens are kept for the adapter's life and handed back to the centre when it ends.
+// PlayerNotifications on the distributed notification centre, delivered on the main thread. The
+// observers are kept for the adapter's life and removed from the centre when it ends.
 #import <Foundation/Foundation.h>
 
 #include <utility>
@@ -43,6 +43,34 @@ std::optional<UserInfo> userInfo(NSDictionary* dictionary) {
     return result;
 }
 
+}  // namespace
+}  // namespace corvanel
+
+// Receives one player notification and hands its user info to the port's handler.
+@interface CorvanelPlayerObserver : NSObject
+- (instancetype)initWithHandler:(corvanel::PlayerNotifications::Handler)handler;
+- (void)playerInfoChanged:(NSNotification*)notification;
+@end
+
+@implementation CorvanelPlayerObserver {
+    corvanel::PlayerNotifications::Handler _handler;
+}
+
+- (instancetype)initWithHandler:(corvanel::PlayerNotifications::Handler)handler {
+    self = [super init];
+    if (self != nil) _handler = std::move(handler);
+    return self;
+}
+
+- (void)playerInfoChanged:(NSNotification*)notification {
+    _handler(corvanel::userInfo(notification.userInfo));
+}
+
+@end
+
+namespace corvanel {
+namespace {
+
 class MacPlayerNotifications final : public PlayerNotifications {
   public:
     MacPlayerNotifications() = default;
@@ -51,25 +79,30 @@ class MacPlayerNotifications final : public PlayerNotifications {
 
     ~MacPlayerNotifications() override {
         NSDistributedNotificationCenter* center = [NSDistributedNotificationCenter defaultCenter];
-        for (id<NSObject> token : tokens_)
-            [center removeObserver:token];
+        for (CorvanelPlayerObserver* observer : observers_)
+            [center removeObserver:observer];
     }
 
+    // Called on the main thread, whose run loop then delivers the notifications.
     NotificationObserverToken addObserver(const std::string& name, Handler handler) override {
-        NSString* notificationName = nsString(name);
-        id<NSObject> token = [[NSDistributedNotificationCenter defaultCenter]
-            addObserverForName:notificationName
+        CorvanelPlayerObserver* observer =
+            [[CorvanelPlayerObserver alloc] initWithHandler:std::move(handler)];
+        // A menu-bar app is almost never the active one, and AppKit holds distributed
+        // notifications back from inactive apps unless the observer asks for them at once: the
+        // track change must arrive while the user listens, not when they next click the menu.
+        [[NSDistributedNotificationCenter defaultCenter]
+                   addObserver:observer
+                      selector:@selector(playerInfoChanged:)
+                          name:nsString(name)
                         object:nil
-                         queue:[NSOperationQueue mainQueue]
-                    usingBlock:^(NSNotification* notification) {
-                      handler(userInfo(notification.userInfo));
-                    }];
-        tokens_.push_back(token);
-        return tokens_.size();
+            suspensionBehavior:NSNotificationSuspensionBehaviorDeliverImmediately];
+        // The centre does not keep its observers alive; this list does.
+        observers_.push_back(observer);
+        return observers_.size();
     }
 
   private:
-    std::vector<id<NSObject>> tokens_;
+    std::vector<CorvanelPlayerObserver*> observers_;
 };
 
 }  // namespace

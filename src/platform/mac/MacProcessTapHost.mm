@@ -5,7 +5,9 @@
 #import <CoreAudio/CoreAudio.h>
 #import <Foundation/Foundation.h>
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <type_traits>
@@ -38,8 +40,10 @@ static_assert(aggregateKeys::subDeviceUID == kAudioSubDeviceUIDKey);
 static_assert(aggregateKeys::subTapUID == kAudioSubTapUIDKey);
 static_assert(aggregateKeys::subTapDriftCompensation == kAudioSubTapDriftCompensationKey);
 
-// A tap delivers one interleaved buffer, or one per channel; the block sees at most this many.
-constexpr std::size_t viewedBufferCount = 16;
+// The aggregate's input list: the output device's own inputs (an interface may have one buffer
+// per channel), then the tap's one interleaved buffer or one per channel. The block sees at most
+// this many.
+constexpr std::size_t viewedBufferCount = 256;
 
 // Property-list objects for the platform's aggregate-device description.
 struct PropertyListBuilder {
@@ -117,6 +121,28 @@ class MacProcessTapHost final : public ProcessTapHost {
 
     OSStatus destroyAggregateDevice(AudioObjectID device) override {
         return AudioHardwareDestroyAggregateDevice(device);
+    }
+
+    OSStatus readInputStreamConfiguration(AudioObjectID device,
+                                          std::vector<std::uint32_t>& outBufferChannels) override {
+        const ::AudioObjectPropertyAddress address{::kAudioDevicePropertyStreamConfiguration,
+                                                   ::kAudioObjectPropertyScopeInput,
+                                                   ::kAudioObjectPropertyElementMain};
+        UInt32 size = 0;
+        OSStatus status = AudioObjectGetPropertyDataSize(device, &address, 0, nullptr, &size);
+        if (status != noErr) return status;
+        // A variable-length AudioBufferList, in storage aligned for its buffers.
+        std::vector<::AudioBuffer> storage(size / sizeof(::AudioBuffer) + 1);
+        auto* list = reinterpret_cast<::AudioBufferList*>(storage.data());
+        status = AudioObjectGetPropertyData(device, &address, 0, nullptr, &size, list);
+        if (status != noErr) return status;
+        outBufferChannels.clear();
+        if (size < offsetof(::AudioBufferList, mBuffers)) return status;  // no inputs at all
+        const std::size_t held =
+            (size - offsetof(::AudioBufferList, mBuffers)) / sizeof(::AudioBuffer);
+        for (std::size_t i = 0; i < std::min<std::size_t>(list->mNumberBuffers, held); ++i)
+            outBufferChannels.push_back(list->mBuffers[i].mNumberChannels);
+        return status;
     }
 
     OSStatus createIOProcID(AudioObjectID device, IOBlock deliver, IOProcID& outProc) override {

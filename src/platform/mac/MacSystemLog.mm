@@ -3,6 +3,8 @@
 #import <Foundation/Foundation.h>
 #import <OSLog/OSLog.h>
 
+#include <string>
+
 #include "platform/SystemLog.h"
 #include "platform/mac/FoundationText.h"
 #include "platform/mac/MacPlatformPorts.h"
@@ -11,6 +13,13 @@
 namespace corvanel {
 namespace {
 
+// Why a read failed: the error's description, or what failed when the store hands back nothing
+// without an error, so the user never sees an empty cause.
+std::string failureCause(NSError* error, const char* whatFailed) {
+    const std::string described = error != nil ? stdString(error.localizedDescription) : "";
+    return described.empty() ? whatFailed : described;
+}
+
 class MacSystemLog final : public SystemLog {
   public:
     std::optional<std::string> enumerate(const std::string& process, double secondsBack,
@@ -18,7 +27,7 @@ class MacSystemLog final : public SystemLog {
         @autoreleasepool {
             NSError* error = nil;
             OSLogStore* store = [OSLogStore localStoreAndReturnError:&error];
-            if (store == nil) return stdString(error.localizedDescription);
+            if (store == nil) return failureCause(error, "the local log store did not open");
             OSLogPosition* start = [store positionWithTimeIntervalSinceEnd:-secondsBack];
             NSPredicate* fromProcess =
                 [NSPredicate predicateWithFormat:@"process == %@", nsString(process)];
@@ -27,7 +36,7 @@ class MacSystemLog final : public SystemLog {
                                                                   position:start
                                                                  predicate:fromProcess
                                                                      error:&error];
-            if (entries == nil) return stdString(error.localizedDescription);
+            if (entries == nil) return failureCause(error, "the log entries could not be listed");
             for (OSLogEntry* entry in entries) {
                 // A long span holds many entries; free each one's temporaries as it goes.
                 @autoreleasepool {

@@ -24,6 +24,8 @@ class SimBlockRenderer {
     SimBlockRenderer& operator=(const SimBlockRenderer&) = delete;
 
     std::span<const AudioBufferView> render();
+    // The buffer list `render()` fills, without rendering.
+    std::span<const AudioBufferView> buffers() const { return buffers_; }
 
   private:
     // Channel c of the format takes the source's channel c, or its last one when it has fewer.

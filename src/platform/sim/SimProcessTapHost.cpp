@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/sim/SimAudioHardware.h"
-#include "platform/sim/SimBlockRenderer.h"
+#include "switching/CoreAudioHelper.h"
 
 namespace corvanel {
 
@@ -14,7 +14,7 @@ namespace corvanel {
 // which stops and joins it (Apple's libc++ has no std::jthread).
 class SimProcessTapHost::RealTimeDelivery {
   public:
-    RealTimeDelivery(IOBlock block, SimBlockRenderer renderer, std::chrono::nanoseconds period)
+    RealTimeDelivery(IOBlock block, SimAggregateRenderer renderer, std::chrono::nanoseconds period)
         : thread_([this, block = std::move(block), renderer = std::move(renderer),
                    period]() mutable { run(block, renderer, period); }) {}
     ~RealTimeDelivery() {
@@ -29,7 +29,8 @@ class SimProcessTapHost::RealTimeDelivery {
     RealTimeDelivery& operator=(const RealTimeDelivery&) = delete;
 
   private:
-    void run(const IOBlock& block, SimBlockRenderer& renderer, std::chrono::nanoseconds period) {
+    void run(const IOBlock& block, SimAggregateRenderer& renderer,
+             std::chrono::nanoseconds period) {
         auto next = std::chrono::steady_clock::now();
         std::unique_lock lock(mutex_);
         while (!stopping_) {
@@ -77,6 +78,29 @@ SimProcessTapHost::~SimProcessTapHost() {
 void SimProcessTapHost::setFormat(const AudioStreamBasicDescription& format) {
     std::lock_guard lock(mutex_);
     format_ = format;
+}
+
+void SimProcessTapHost::setDeviceInputs(std::vector<std::shared_ptr<AudioSource>> inputs) {
+    std::lock_guard lock(mutex_);
+    deviceInputs_ = std::move(inputs);
+}
+
+void SimProcessTapHost::followDeviceRate(std::shared_ptr<AudioHardware> audio) {
+    std::lock_guard lock(mutex_);
+    rateDevices_ = std::move(audio);
+}
+
+AudioStreamBasicDescription SimProcessTapHost::currentFormatLocked() const {
+    AudioStreamBasicDescription format = format_;
+    if (!rateDevices_) return format;
+    const std::optional<AudioObjectID> device = CoreAudioHelper::defaultOutputDevice(*rateDevices_);
+    const double rate = device ? CoreAudioHelper::nominalRate(*rateDevices_, *device) : 0.0;
+    if (rate > 0) format.mSampleRate = rate;
+    return format;
+}
+
+SimAggregateRenderer SimProcessTapHost::rendererLocked(std::uint32_t frames) const {
+    return SimAggregateRenderer(deviceInputs_, source_, currentFormatLocked(), frames);
 }
 
 void SimProcessTapHost::setBlockFrames(std::uint32_t frames) {
@@ -131,7 +155,7 @@ bool SimProcessTapHost::deliverBlock() {
     bool delivered = false;
     for (auto& [id, proc] : procs_) {
         if (!proc.started) continue;
-        SimBlockRenderer renderer(source_, format_, blockFrames_);
+        SimAggregateRenderer renderer = rendererLocked(blockFrames_);
         const std::span<const AudioBufferView> buffers = renderer.render();
         proc.block(buffers.data(), static_cast<std::uint32_t>(buffers.size()));
         delivered = true;
@@ -148,6 +172,29 @@ bool SimProcessTapHost::deliverBuffers(const AudioBufferView* buffers, std::uint
         delivered = true;
     }
     return delivered;
+}
+
+void SimProcessTapHost::loseCapture(OSStatus status) {
+    std::vector<IOProcID> lost;
+    FailureHandler handler;
+    {
+        std::lock_guard lock(mutex_);
+        for (auto& [id, proc] : procs_) {
+            if (!proc.started) continue;
+            stopLocked(proc);
+            lost.push_back(id);
+        }
+        handler = failureHandler_;
+    }
+    // Outside the lock: the handler may call back into the host.
+    if (!handler) return;
+    for (const IOProcID proc : lost)
+        handler(proc, status);
+}
+
+void SimProcessTapHost::setFailureHandler(FailureHandler handler) {
+    std::lock_guard lock(mutex_);
+    failureHandler_ = std::move(handler);
 }
 
 OSStatus SimProcessTapHost::record(SimTapOperation operation, std::uint64_t object,
@@ -185,7 +232,7 @@ OSStatus SimProcessTapHost::readTapFormat(AudioObjectID tap,
     std::lock_guard lock(mutex_);
     OSStatus status = injected(SimTapOperation::readTapFormat);
     if (status == kNoErr && !taps_.contains(tap)) status = kAudioHardwareBadObjectError;
-    if (status == kNoErr) outFormat = format_;
+    if (status == kNoErr) outFormat = currentFormatLocked();
     return record(SimTapOperation::readTapFormat, tap, status);
 }
 
@@ -215,6 +262,15 @@ OSStatus SimProcessTapHost::destroyAggregateDevice(AudioObjectID device) {
         return record(SimTapOperation::destroyAggregateDevice, device, status);
     const OSStatus status = aggregates_.erase(device) == 1 ? kNoErr : kAudioHardwareBadObjectError;
     return record(SimTapOperation::destroyAggregateDevice, device, status);
+}
+
+OSStatus SimProcessTapHost::readInputStreamConfiguration(
+    AudioObjectID device, std::vector<std::uint32_t>& outBufferChannels) {
+    std::lock_guard lock(mutex_);
+    OSStatus status = injected(SimTapOperation::readInputStreamConfiguration);
+    if (status == kNoErr && !aggregates_.contains(device)) status = kAudioHardwareBadObjectError;
+    if (status == kNoErr) outBufferChannels = rendererLocked(1).bufferChannels();
+    return record(SimTapOperation::readInputStreamConfiguration, device, status);
 }
 
 OSStatus SimProcessTapHost::createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) {
@@ -252,12 +308,12 @@ OSStatus SimProcessTapHost::deviceStart(AudioObjectID device, IOProcID proc) {
         started.started = true;
         if (pacing_ == Pacing::realTime) {
             // A format without a rate (a broken tap) still delivers at the source's pace.
-            const double rate =
-                format_.mSampleRate > 0 ? format_.mSampleRate : source_->sampleRate();
+            const AudioStreamBasicDescription format = currentFormatLocked();
+            const double rate = format.mSampleRate > 0 ? format.mSampleRate : source_->sampleRate();
             const auto period = std::chrono::duration_cast<std::chrono::nanoseconds>(
                 std::chrono::duration<double>(blockFrames_ / rate));
             started.delivery = std::make_unique<RealTimeDelivery>(
-                started.block, SimBlockRenderer(source_, format_, blockFrames_), period);
+                started.block, rendererLocked(blockFrames_), period);
         }
     }
     return record(SimTapOperation::deviceStart, proc, status);

@@ -1,9 +1,10 @@
 #pragma once
 // A ProcessTapHost in memory. Taps, aggregate devices and IO procedures are plain records;
-// a started IO procedure receives 32-bit float blocks rendered from an AudioSource, on the
-// host's own serial thread paced in real time, or — with manual pacing — one block per
-// `deliverBlock()` call on the caller's thread, for deterministic tests. Any operation can be
-// told to fail with a chosen status, and every call is recorded.
+// a started IO procedure receives 32-bit float blocks rendered from an AudioSource (after the
+// output device's own inputs, when it has some, as on a Mac), on the host's own serial thread
+// paced in real time, or — with manual pacing — one block per `deliverBlock()` call on the
+// caller's thread, for deterministic tests. Any operation can be told to fail with a chosen
+// status, and every call is recorded.
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -12,8 +13,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/AudioHardware.h"
 #include "platform/ProcessTapHost.h"
 #include "platform/sim/AudioSource.h"
+#include "platform/sim/SimAggregateRenderer.h"
 
 namespace corvanel {
 
@@ -24,6 +27,7 @@ enum class SimTapOperation {
     readTapUID,
     createAggregateDevice,
     destroyAggregateDevice,
+    readInputStreamConfiguration,
     createIOProcID,
     destroyIOProcID,
     deviceStart,
@@ -55,6 +59,13 @@ class SimProcessTapHost final : public ProcessTapHost {
     // The format taps report and blocks are delivered in; the source's rate and stereo by
     // default. Takes effect for IO procedures started afterwards.
     void setFormat(const AudioStreamBasicDescription& format);
+    // The output device's own input streams (a microphone, a line input): one interleaved stream
+    // per source, at its channel count, which every aggregate lists before the tap's buffers.
+    // Takes effect for IO procedures started afterwards.
+    void setDeviceInputs(std::vector<std::shared_ptr<AudioSource>> inputs);
+    // Taps then run at the nominal rate of `audio`'s default output device, as a tap of the
+    // output mix does, read whenever a tap's format is asked for or an IO procedure starts.
+    void followDeviceRate(std::shared_ptr<AudioHardware> audio);
     void setBlockFrames(std::uint32_t frames);
     // The next calls of `operation` fail with `status` (kNoErr to succeed again).
     void failOperation(SimTapOperation operation, OSStatus status);
@@ -72,6 +83,9 @@ class SimProcessTapHost final : public ProcessTapHost {
     bool deliverBlock();
     // Hands the given buffers as they are to every started IO procedure (odd sizes, holes).
     bool deliverBuffers(const AudioBufferView* buffers, std::uint32_t count);
+    // Every started IO procedure stops for good, as when the device or the sound server goes
+    // away, and the failure handler hears of each with `status`, on the caller's thread.
+    void loseCapture(OSStatus status);
 
     OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) override;
     OSStatus destroyProcessTap(AudioObjectID tap) override;
@@ -80,10 +94,13 @@ class SimProcessTapHost final : public ProcessTapHost {
     OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                    AudioObjectID& outDevice) override;
     OSStatus destroyAggregateDevice(AudioObjectID device) override;
+    OSStatus readInputStreamConfiguration(AudioObjectID device,
+                                          std::vector<std::uint32_t>& outBufferChannels) override;
     OSStatus createIOProcID(AudioObjectID device, IOBlock block, IOProcID& outProc) override;
     OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStart(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStop(AudioObjectID device, IOProcID proc) override;
+    void setFailureHandler(FailureHandler handler) override;
 
   private:
     class RealTimeDelivery;
@@ -96,13 +113,18 @@ class SimProcessTapHost final : public ProcessTapHost {
     OSStatus record(SimTapOperation operation, std::uint64_t object, OSStatus status);
     OSStatus injected(SimTapOperation operation) const;
     void stopLocked(IOProc& proc);
+    AudioStreamBasicDescription currentFormatLocked() const;
+    SimAggregateRenderer rendererLocked(std::uint32_t frames) const;
 
     mutable std::mutex mutex_;
     std::shared_ptr<AudioSource> source_;
     Pacing pacing_;
     AudioStreamBasicDescription format_;
+    std::vector<std::shared_ptr<AudioSource>> deviceInputs_;
+    std::shared_ptr<AudioHardware> rateDevices_;
     std::uint32_t blockFrames_ = 512;
     std::map<SimTapOperation, OSStatus> failures_;
+    FailureHandler failureHandler_;
     std::vector<SimTapCall> calls_;
     std::optional<TapDescription> lastTap_;
     std::optional<DescriptionDictionary> lastAggregate_;
