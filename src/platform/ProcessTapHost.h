@@ -61,6 +61,16 @@ class ProcessTapHost {
     // Replaces the handler for failures after start. A host that cannot see such failures
     // never calls it.
     virtual void setFailureHandler(FailureHandler handler) { (void)handler; }
+
+    // What createProcessTap returns when there is no output to tap (CoreAudio's '!dev',
+    // kAudioHardwareBadDeviceError).
+    static constexpr OSStatus noOutputDeviceStatus = static_cast<OSStatus>(fourCC("!dev"));
+
+    // What the user is told to check after a failed capture step: on macOS, the system-audio
+    // recording permission.
+    virtual std::string failureAdvice() const {
+        return "Check System Settings ▸ Privacy & Security ▸ Screen & System Audio Recording.";
+    }
 };
 
 }  // namespace corvanel

@@ -137,7 +137,7 @@ void SpectrumAnalyzer::captureLost(IOProcID proc, OSStatus status) {
     if (pipeline_.ioProcID() != proc) return;
     pipeline_.teardown();
     const char* const step = "keep audio capture running";
-    const std::optional<SpectrumError> error = TapPipeline::check(status, step);
+    const std::optional<SpectrumError> error = pipeline_.check(status, step);
     setStatusMessage(error ? error->message : "Could not " + std::string(step) + ".");
     recoveryDelay_ = firstRecoveryDelay;
     scheduleRecovery();

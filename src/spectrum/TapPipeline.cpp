@@ -17,11 +17,10 @@ TapPipeline::~TapPipeline() {
     teardown();
 }
 
-std::optional<SpectrumError> TapPipeline::check(OSStatus status, const std::string& step) {
+std::optional<SpectrumError> TapPipeline::check(OSStatus status, const std::string& step) const {
     if (status == kNoErr) return std::nullopt;
-    return SpectrumError{"Could not " + step + " (error " + std::to_string(status) +
-                         "). Check System Settings ▸ Privacy & Security ▸ Screen & System "
-                         "Audio Recording."};
+    return SpectrumError{"Could not " + step + " (error " + std::to_string(status) + "). " +
+                         host_->failureAdvice()};
 }
 
 std::optional<SpectrumError> TapPipeline::build() {
@@ -32,8 +31,10 @@ std::optional<SpectrumError> TapPipeline::build() {
     description.muteBehavior = 0;
 
     AudioObjectID tap = kAudioObjectUnknown;
-    if (auto error = check(host_->createProcessTap(description, tap), "create the audio tap"))
-        return error;
+    const OSStatus created = host_->createProcessTap(description, tap);
+    if (created == ProcessTapHost::noOutputDeviceStatus)
+        return SpectrumError{noOutputDeviceMessage};
+    if (auto error = check(created, "create the audio tap")) return error;
     tapID_ = tap;
 
     AudioStreamBasicDescription format{};

@@ -35,8 +35,8 @@ class TapPipeline {
     AudioObjectID aggregateID() const { return aggregateID_; }
     std::optional<IOProcID> ioProcID() const { return ioProcID_; }
 
-    // "Could not <step> (error <status>). <permission hint>" for a non-zero status.
-    static std::optional<SpectrumError> check(OSStatus status, const std::string& step);
+    // "Could not <step> (error <status>). <the host's advice>" for a non-zero status.
+    std::optional<SpectrumError> check(OSStatus status, const std::string& step) const;
 
     static constexpr const char* tapName = "Corvanel Spectrum Tap";
     static constexpr const char* noOutputDeviceMessage =

@@ -186,6 +186,8 @@ TEST_F(PulseCaptureTest, TheCapturedSinkGoingAwayNeverRecordsTheMicrophone) {
         },
         2.0);
     EXPECT_LT(loudestMicrophone, 0.3f);
+    EXPECT_EQ(analyzer->statusMessage(),
+              "No default output device available for the spectrum tap.");
 
     // An output comes back: capture carries on with what it plays. (The suite's sinks are all
     // restored for the tests after this one.)
@@ -201,6 +203,36 @@ TEST_F(PulseCaptureTest, TheCapturedSinkGoingAwayNeverRecordsTheMicrophone) {
     EXPECT_EQ(host->currentMonitor(), sink + ".monitor");
     EXPECT_EQ(loudestBand(*analyzer), bandOf(2500));
     EXPECT_LT(analyzer->levels()[microphoneBand], 0.3f);
+    EXPECT_FALSE(analyzer->statusMessage().has_value());
+}
+
+TEST_F(PulseCaptureTest, ARestartedServerIsSaidAndThenHeardAgain) {
+    const auto before = writeTone(server->directory(), 2000, 48000, 12);
+    const auto after = writeTone(server->directory(), 3000, 48000, 12);
+    const auto analyzer = SpectrumAnalyzer::create(ports);
+    executor->runUntilIdle();
+    ASSERT_TRUE(analyzer->isCapturing());
+    const pid_t first = server->play(before, PulseTestServer::firstSink);
+    runUntil([&] { return analyzer->levels()[bandOf(2000)] > 0.7f; }, 10.0);
+    ASSERT_EQ(loudestBand(*analyzer), bandOf(2000));
+
+    ASSERT_TRUE(server->restart()) << server->failure();
+    finish(first);
+    runUntil([&] { return analyzer->statusMessage().has_value(); }, 3.0);
+    const std::string lost = "Could not keep audio capture running (error ";
+    ASSERT_TRUE(analyzer->statusMessage().has_value());
+    EXPECT_EQ(analyzer->statusMessage()->substr(0, lost.size()), lost);
+    EXPECT_TRUE(analyzer->statusMessage()->ends_with(
+        "Check that a PulseAudio or PipeWire sound server runs for this session (pactl info)."));
+
+    // The new server's default sink is the first one again; the meters come back by themselves.
+    ASSERT_TRUE(server->setDefaultSink(PulseTestServer::firstSink));
+    ASSERT_TRUE(server->setDefaultSource(PulseTestServer::microphone));
+    const pid_t second = server->play(after, PulseTestServer::firstSink);
+    runUntil([&] { return analyzer->levels()[bandOf(3000)] > 0.7f; }, 10.0);
+    finish(second);
+    EXPECT_EQ(loudestBand(*analyzer), bandOf(3000));
+    EXPECT_FALSE(analyzer->statusMessage().has_value());
 }
 
 TEST_F(PulseCaptureTest, AServerThatStopsAnsweringFailsTheStartWithinTheDeadline) {
@@ -232,10 +264,9 @@ TEST(PulseCaptureWithoutServer, TheStartFailsWithTheTapStepAndItsErrorCode) {
     const auto analyzer = SpectrumAnalyzer::create(ports);
     executor->runUntilIdle();
 
-    const std::string expected = "Could not create the audio tap (error " +
-                                 std::to_string(PA_ERR_CONNECTIONREFUSED) +
-                                 "). Check System Settings ▸ Privacy & Security ▸ Screen & "
-                                 "System Audio Recording.";
+    const std::string expected =
+        "Could not create the audio tap (error " + std::to_string(PA_ERR_CONNECTIONREFUSED) +
+        "). Check that a PulseAudio or PipeWire sound server runs for this session (pactl info).";
     EXPECT_EQ(analyzer->statusMessage(), expected);
     EXPECT_FALSE(analyzer->isCapturing());
 

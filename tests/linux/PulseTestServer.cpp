@@ -92,6 +92,16 @@ PulseTestServer::PulseTestServer() {
     const std::string socket = (directory_ / "pulse.sock").string();
     address_ = "unix:" + socket;
 
+    if (const char* previous = std::getenv("PULSE_SERVER")) {
+        hadPreviousServer_ = true;
+        previousServer_ = previous;
+    }
+    setenv("PULSE_SERVER", address_.c_str(), 1);
+    start();
+}
+
+void PulseTestServer::start() {
+    const std::string socket = address_.substr(std::string("unix:").size());
     // -n: no default configuration, only the modules named here. Root needs no --system for a
     // private per-test server: it only warns. No autospawn, no idle exit, no shared memory
     // (containers often lack it), no realtime scheduling requests.
@@ -124,12 +134,6 @@ PulseTestServer::PulseTestServer() {
         return;
     }
 
-    if (const char* previous = std::getenv("PULSE_SERVER")) {
-        hadPreviousServer_ = true;
-        previousServer_ = previous;
-    }
-    setenv("PULSE_SERVER", address_.c_str(), 1);
-
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(15);
     while (std::chrono::steady_clock::now() < deadline) {
         int status = 0;
@@ -146,12 +150,23 @@ PulseTestServer::PulseTestServer() {
     failure_ = "pulseaudio did not accept connections within 15 s:\n" + readFile(log);
 }
 
+bool PulseTestServer::restart() {
+    stop();
+    failure_.clear();
+    start();
+    return failure_.empty();
+}
+
+void PulseTestServer::stop() {
+    if (server_ <= 0) return;
+    kill(server_, SIGKILL);
+    int status = 0;
+    waitpid(server_, &status, 0);
+    server_ = -1;
+}
+
 PulseTestServer::~PulseTestServer() {
-    if (server_ > 0) {
-        kill(server_, SIGTERM);
-        int status = 0;
-        waitpid(server_, &status, 0);
-    }
+    stop();
     if (hadPreviousServer_) {
         setenv("PULSE_SERVER", previousServer_.c_str(), 1);
     } else {

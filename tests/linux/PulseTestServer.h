@@ -45,9 +45,14 @@ class PulseTestServer {
     // Unloads every module of that name.
     bool unloadModule(const std::string& name) const;
     pid_t pid() const { return server_; }
+    // Kills the server, as a crash would, and starts a new one on the same socket.
+    bool restart();
     std::filesystem::path directory() const { return directory_; }
 
   private:
+    void start();
+    void stop();
+
     std::filesystem::path directory_;
     std::string address_;
     std::string previousServer_;

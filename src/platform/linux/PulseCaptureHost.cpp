@@ -90,7 +90,10 @@ OSStatus PulseCaptureHost::createProcessTap(const TapDescription& description,
     int status = PA_OK;
     {
         PulseConnection::Lock lock(*connection_);
+        connection_->setLostHandler([this](int error) { reportLost(error); });
         status = queryDefaultSink(sink_, monitor_, rate_);
+        // A server without a default sink has no output whose monitor could be recorded.
+        if (status == PA_ERR_NOENTITY) status = noOutputDeviceStatus;
         if (status == PA_OK) status = followDefaultSink();
     }
     if (status != PA_OK) {
@@ -147,7 +150,7 @@ int PulseCaptureHost::openStream() {
     stream_.reset(
         pa_stream_new(connection_->context(), "Corvanel Spectrum", &sampleFormat, nullptr));
     if (!stream_) return connection_->lastError();
-    pa_stream_set_state_callback(stream_.get(), onStreamState, connection_.get());
+    pa_stream_set_state_callback(stream_.get(), onStreamState, this);
     if (procInstalled_) pa_stream_set_read_callback(stream_.get(), onStreamRead, this);
     return PA_OK;
 }
@@ -286,8 +289,33 @@ OSStatus PulseCaptureHost::deviceStop(AudioObjectID device, IOProcID proc) {
     return PA_OK;
 }
 
-void PulseCaptureHost::onStreamState(pa_stream*, void* userdata) {
-    static_cast<PulseConnection*>(userdata)->signal();
+void PulseCaptureHost::onStreamState(pa_stream* stream, void* userdata) {
+    auto* host = static_cast<PulseCaptureHost*>(userdata);
+    host->connection_->signal();
+    // A recording stream the server ends (its sink went away and it may not be moved) is lost,
+    // unless a change of the default sink is opening its successor.
+    if (pa_stream_get_state(stream) == PA_STREAM_FAILED && host->recording_ &&
+        stream == host->stream_.get())
+        host->reportLost(host->connection_->lastError());
+}
+
+void PulseCaptureHost::reportLost(int error) {
+    if (!recording_) return;
+    recording_ = false;
+    if (failureHandler_) failureHandler_(procObject, error);
+}
+
+void PulseCaptureHost::setFailureHandler(FailureHandler handler) {
+    if (!connection_) {
+        failureHandler_ = std::move(handler);
+        return;
+    }
+    PulseConnection::Lock lock(*connection_);
+    failureHandler_ = std::move(handler);
+}
+
+std::string PulseCaptureHost::failureAdvice() const {
+    return "Check that a PulseAudio or PipeWire sound server runs for this session (pactl info).";
 }
 
 void PulseCaptureHost::onStreamRead(pa_stream* stream, std::size_t, void* userdata) {

@@ -16,7 +16,9 @@
 // is opened on the new sink's monitor in the same sample format (the server resamples), so the
 // rate the analyzer was told stays true and no rebuild is needed. Failures report the server's
 // error code as the status; a server that stops answering fails with PA_ERR_TIMEOUT after
-// PulseConnection::replyDeadline. Blocks arrive on the pulse thread, one at a time, in order.
+// PulseConnection::replyDeadline, and one without a default sink with noOutputDeviceStatus.
+// A recording the server ends (it quit, or the sink went away with no other to follow) is
+// reported to the failure handler. Blocks arrive on the pulse thread, one at a time, in order.
 #include <pulse/pulseaudio.h>
 
 #include <cstdint>
@@ -54,6 +56,9 @@ class PulseCaptureHost final : public ProcessTapHost {
     OSStatus destroyIOProcID(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStart(AudioObjectID device, IOProcID proc) override;
     OSStatus deviceStop(AudioObjectID device, IOProcID proc) override;
+    // Told when the server ends the recording stream or the connection while recording.
+    void setFailureHandler(FailureHandler handler) override;
+    std::string failureAdvice() const override;
 
   private:
     struct StreamDelete {
@@ -79,6 +84,8 @@ class PulseCaptureHost final : public ProcessTapHost {
     int openStream();
     // With the lock held: connects the stream to the current monitor, pinned there.
     int connectStream();
+    // On the loop's thread: a recording that ended for good goes to the failure handler, once.
+    void reportLost(int error);
 
     std::unique_ptr<PulseConnection> connection_;
     // Written with the connection's lock held; the pulse thread reads them under it too.
@@ -88,7 +95,8 @@ class PulseCaptureHost final : public ProcessTapHost {
     std::unique_ptr<pa_stream, StreamDelete> stream_;
     IOBlock block_;
     bool procInstalled_ = false;
-    bool recording_ = false;  // between a successful start and a stop
+    bool recording_ = false;  // between a successful start and a stop or a loss
+    FailureHandler failureHandler_;
 };
 
 }  // namespace corvanel

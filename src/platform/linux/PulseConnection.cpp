@@ -2,15 +2,11 @@
 
 #include <pulse/rtclock.h>
 
+#include <utility>
+
 namespace corvanel {
 
 namespace {
-
-void onContextState(pa_context* context, void* userdata) {
-    const pa_context_state_t state = pa_context_get_state(context);
-    if (state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state))
-        pa_threaded_mainloop_signal(static_cast<pa_threaded_mainloop*>(userdata), 0);
-}
 
 // An error code for a failure that left none in the context.
 int errorOr(int code, int fallback) {
@@ -39,8 +35,7 @@ std::variant<std::unique_ptr<PulseConnection>, int> PulseConnection::open(
     connection->context_.reset(pa_context_new(
         pa_threaded_mainloop_get_api(connection->mainloop_.get()), clientName.c_str()));
     if (!connection->context_) return PA_ERR_INTERNAL;
-    pa_context_set_state_callback(connection->context(), onContextState,
-                                  connection->mainloop_.get());
+    pa_context_set_state_callback(connection->context(), onContextState, connection.get());
     if (pa_threaded_mainloop_start(connection->mainloop_.get()) < 0) return PA_ERR_INTERNAL;
 
     Lock lock(*connection);
@@ -72,6 +67,19 @@ PulseConnection::Lock::Lock(PulseConnection& connection) : mainloop_(connection.
 
 PulseConnection::Lock::~Lock() {
     pa_threaded_mainloop_unlock(mainloop_);
+}
+
+void PulseConnection::onContextState(pa_context* context, void* userdata) {
+    auto* connection = static_cast<PulseConnection*>(userdata);
+    const pa_context_state_t state = pa_context_get_state(context);
+    if (state == PA_CONTEXT_READY) connection->wasReady_ = true;
+    if (state == PA_CONTEXT_READY || !PA_CONTEXT_IS_GOOD(state)) connection->signal();
+    if (!PA_CONTEXT_IS_GOOD(state) && connection->wasReady_ && connection->lostHandler_)
+        connection->lostHandler_(errorOr(pa_context_errno(context), PA_ERR_CONNECTIONTERMINATED));
+}
+
+void PulseConnection::setLostHandler(std::function<void(int error)> handler) {
+    lostHandler_ = std::move(handler);
 }
 
 void PulseConnection::wait() {

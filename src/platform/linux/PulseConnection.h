@@ -5,6 +5,7 @@
 #include <pulse/pulseaudio.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <variant>
@@ -57,6 +58,9 @@ class PulseConnection {
     void wait();
     // From a callback on the loop's thread.
     void signal();
+    // With the lock held: `handler` is told, on the loop's thread, when a ready connection is
+    // lost (the server quit or crashed), with the error code.
+    void setLostHandler(std::function<void(int error)> handler);
     // The context's last error code (never 0 after a failure); PA_ERR_TIMEOUT after a wait
     // that ran out of time.
     int lastError() const;
@@ -73,6 +77,7 @@ class PulseConnection {
     };
     // Only `open` makes one.
     struct Key {};
+    static void onContextState(pa_context* context, void* userdata);
 
   public:
     explicit PulseConnection(Key) {}
@@ -81,6 +86,8 @@ class PulseConnection {
     std::unique_ptr<pa_threaded_mainloop, LoopDelete> mainloop_;
     std::unique_ptr<pa_context, ContextDelete> context_;
     bool timedOut_ = false;
+    bool wasReady_ = false;
+    std::function<void(int error)> lostHandler_;
 };
 
 }  // namespace corvanel
