@@ -86,16 +86,35 @@ TEST_F(QtSettingsStoreTest, AnUnreadableFileReadsAsEmptyWithoutCrashing) {
     EXPECT_TRUE(readBool(store, "autoSwitchEnabled", true));
 }
 
-TEST(QtTimeOfDayTest, UsesTheLongTimeStyleWithoutTheZone) {
-    const QLocale english(QLocale::English, QLocale::UnitedStates);
-    const QString format = timeFormatWithoutZone(english);
-    EXPECT_FALSE(format.contains(u't')) << format.toStdString();
-    EXPECT_TRUE(format.contains("ss")) << format.toStdString();
+TEST(QtTimeOfDayTest, EveryLocaleShowsHoursMinutesAndSecondsInItsMediumStyle) {
+    const QTime time(15, 4, 5);
+    const std::pair<const char*, const char*> expected[] = {{"en_US", "3:04:05 PM"},
+                                                            {"es_ES", "15:04:05"},
+                                                            {"ca_ES", "15:04:05"},
+                                                            {"de_DE", "15:04:05"},
+                                                            {"ja_JP", "15:04:05"},
+                                                            {"sq_AL", "3:04:05 e pasdites"},
+                                                            {"fi_FI", "15.04.05"},
+                                                            {"bg_BG", "15:04:05 \u0447."},
+                                                            {"ko_KR", "\uC624\uD6C4 3:04:05"},
+                                                            {"zh_TW", "\u4E0B\u53483:04:05"}};
+    for (const auto& [name, text] : expected) {
+        const QLocale locale(QString::fromLatin1(name));
+        EXPECT_EQ(locale.toString(time, mediumTimeFormat(locale)).toStdString(), text) << name;
+    }
+    const QDateTime local(QDate(2024, 3, 5), time);
+    const WallTime wall{std::chrono::milliseconds(local.toMSecsSinceEpoch())};
+    EXPECT_EQ(qtTimeOfDay(QLocale(QLocale::English, QLocale::UnitedStates), wall), "3:04:05 PM");
 
-    const QDateTime local(QDate(2024, 3, 5), QTime(15, 4, 5));
-    const WallTime time{std::chrono::milliseconds(local.toMSecsSinceEpoch())};
-    EXPECT_EQ(qtTimeOfDay(english, time), "3:04:05 PM");
-    EXPECT_EQ(qtTimeOfDay(QLocale(QLocale::German, QLocale::Germany), time), "15:04:05");
+    // No locale shows a zone's leftovers, and every one shows the seconds.
+    for (const QLocale& locale : QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript,
+                                                          QLocale::AnyTerritory)) {
+        const QString shown = locale.toString(time, mediumTimeFormat(locale));
+        const QString nextSecond = locale.toString(time.addSecs(1), mediumTimeFormat(locale));
+        EXPECT_NE(shown, nextSecond) << locale.name().toStdString();
+        EXPECT_EQ(shown, shown.trimmed()) << locale.name().toStdString();
+        EXPECT_FALSE(shown.contains(u'(') || shown.endsWith(u',')) << shown.toStdString();
+    }
 }
 
 TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {
