@@ -133,7 +133,7 @@ TEST(QtTimeOfDayTest, EveryLocaleShowsHoursMinutesAndSecondsInItsMediumStyle) {
 bool runsBelowTheMainThread(int mainPriority, int workPriority) {
 #if defined(__APPLE__)
     (void)mainPriority;
-    return workPriority == QOS_CLASS_UTILITY;
+    return workPriority == static_cast<int>(QOS_CLASS_UTILITY);
 #else
     return workPriority > mainPriority;  // a larger nice value yields
 #endif
@@ -141,7 +141,7 @@ bool runsBelowTheMainThread(int mainPriority, int workPriority) {
 
 int thisThreadsPriority() {
 #if defined(__APPLE__)
-    return qos_class_self();
+    return static_cast<int>(qos_class_self());
 #else
     return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
 #endif
