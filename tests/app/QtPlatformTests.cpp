@@ -135,7 +135,8 @@ bool runsBelowTheMainThread(int mainPriority, int workPriority) {
     (void)mainPriority;
     return workPriority == static_cast<int>(QOS_CLASS_UTILITY);
 #else
-    return workPriority > mainPriority;  // a larger nice value yields
+    // A larger nice value yields; 19 is the lowest there is.
+    return workPriority > mainPriority || workPriority == 19;
 #endif
 }
 

@@ -2,6 +2,7 @@
 
 #include <QMetaObject>
 #include <QTimer>
+#include <algorithm>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -25,8 +26,9 @@ void lowerThisThreadsPriority() {
 #if defined(__APPLE__)
     pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
 #elif defined(__linux__)
-    // On Linux a thread's nice value is its own.
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), 10);
+    // On Linux a thread's nice value is its own; ten steps below the process, at most 19.
+    const auto thread = static_cast<id_t>(gettid());
+    setpriority(PRIO_PROCESS, thread, std::min(getpriority(PRIO_PROCESS, thread) + 10, 19));
 #endif
 }
 
