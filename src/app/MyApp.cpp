@@ -56,6 +56,15 @@ MyApp::~MyApp() {
     for (AppWindow* window : environment_.windows->openWindows())
         window->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // The engine goes here, while the application object still exists: the views let go of it,
+    // then the executor drops the tasks that still hold it (the start-up scan among them).
+    label_.reset();
+    content_ = nullptr;
+    popup_.reset();
+    statusItem_.reset();
+    environment_.engine.reset();
+    composition_.demo.reset();
+    composition_.ports.executor->shutDown();
 }
 
 void MyApp::start() {

@@ -18,8 +18,13 @@ class MainExecutor {
     virtual void post(Work work) = 0;
     // Runs `work` on the main thread once `delay` has passed on the monotonic clock.
     virtual void postAfter(std::chrono::nanoseconds delay, Work work) = 0;
-    // Runs `work` on a background thread (utility priority); the work posts its result back.
-    virtual void runInBackground(Work work) = 0;
+    // Runs `work` on a background thread of low (utility) priority, then `done` on the main
+    // thread. Meanwhile `done` waits with the executor, not with the work, so shutting down drops
+    // it on the main thread without waiting for the work.
+    virtual void runInBackground(Work work, Work done) = 0;
+    // The end of the run, on the main thread: drops every pending work item (and what it holds)
+    // now, and every item posted later. Nothing waits for background work.
+    virtual void shutDown() = 0;
 
     virtual MonoTime monotonicNow() const = 0;
     virtual WallTime wallNow() const = 0;

@@ -202,7 +202,8 @@ inline CancelledQuery isCancelled() {
 }
 
 // co_await runInBackground(fn): runs fn on the executor's background thread and resumes on the
-// main thread with its value. fn must not touch main-thread state.
+// main thread with its value. fn must not touch main-thread state. The suspended task stays
+// with the executor, not with fn, so it can be dropped while fn still runs.
 template <typename F>
 struct BackgroundAwaiter {
     using Result = std::invoke_result_t<F&>;
@@ -216,14 +217,9 @@ struct BackgroundAwaiter {
         auto resumption = std::make_shared<detail::Resumption>(frame, state.shared_from_this());
         std::shared_ptr<MainExecutor> executor = state.executor.lock();
         if (!executor) return;  // no executor: the task can never resume; the drop destroys it
-        std::weak_ptr<MainExecutor> weakExecutor = executor;
-        executor->runInBackground([resumption = std::move(resumption), out = result,
-                                   work = std::move(work), weakExecutor]() mutable {
-            out->emplace(work());
-            if (auto target = weakExecutor.lock()) {
-                target->post([resumption = std::move(resumption)] { resumption->resume(); });
-            }
-        });
+        executor->runInBackground(
+            [out = result, work = std::move(work)]() mutable { out->emplace(work()); },
+            [resumption = std::move(resumption)] { resumption->resume(); });
     }
     Result await_resume() { return std::move(**result); }
 };

@@ -33,11 +33,14 @@ std::optional<double> readPosition(ScriptRunner& scripts) {
 }  // namespace
 
 std::optional<std::string> runScript(ScriptRunner& scripts, const std::string& source) {
+    // An Apple event to an app that is not running launches it. Asking for the technicals never
+    // launches Music, and neither may pausing around a switch: nothing is sent to a Music app
+    // that is not running, and the switch goes ahead without the pause.
+    if (!scripts.isApplicationRunning(MusicScripts::musicBundleIdentifier)) return std::nullopt;
     return scripts.runScript(source);
 }
 
 std::optional<TrackTechnicals> currentTrackTechnicals(ScriptRunner& scripts) {
-    if (!scripts.isApplicationRunning(MusicScripts::musicBundleIdentifier)) return std::nullopt;
     const auto reply = runScript(scripts, MusicScripts::trackTechnicals);
     if (!reply || reply->empty()) return std::nullopt;
     const std::vector<std::string_view> parts = splitAtBars(*reply);

@@ -22,11 +22,12 @@ struct TrackTechnicals {
     friend bool operator==(const TrackTechnicals&, const TrackTechnicals&) = default;
 };
 
-// One script's reply; absent when it could not run or gave no text (empty is a valid reply).
+// One script's reply; absent when the app is not running (nothing is sent then, so no script
+// ever launches it), or the script could not run or gave no text (empty is a valid reply).
 std::optional<std::string> runScript(ScriptRunner& scripts, const std::string& source);
 
-// The current track's rate, bit rate and kind; absent when the app is not running (nothing is
-// sent then, so asking never launches it) or its reply is unusable.
+// The current track's rate, bit rate and kind; absent when the app is not running or its reply
+// is unusable.
 std::optional<TrackTechnicals> currentTrackTechnicals(ScriptRunner& scripts);
 
 // Polls the player state up to `attempts` times, 0.1 s apart; whether it reached `state`.

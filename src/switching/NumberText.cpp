@@ -46,14 +46,11 @@ bool isDecimalNumber(std::string_view text) {
 
 // The C locale, so that a user's decimal comma never changes how a number is read. Apple's
 // libc++ has no floating-point from_chars; strtod_l with this locale is exact on both systems.
+// Never freed: a log scan that is still reading on its own thread when the application exits
+// parses numbers after static destructors have run.
 locale_t cLocale() {
-    static const struct Handle {
-        locale_t locale = newlocale(LC_ALL_MASK, "C", locale_t{});
-        ~Handle() {
-            if (locale) freelocale(locale);
-        }
-    } handle;
-    return handle.locale;
+    static const locale_t locale = newlocale(LC_ALL_MASK, "C", locale_t{});
+    return locale;
 }
 }  // namespace
 

@@ -1,6 +1,7 @@
 #pragma once
 // Reads of audio-object properties as the platform requires them: ask the size, allocate whole
 // zero-filled elements, read telling the buffer's byte count.
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -9,7 +10,8 @@
 namespace corvanel {
 
 // An array property; absent on a non-zero status at either step, a size of 0, or a size too
-// small for one whole element.
+// small for one whole element. A driver may deliver fewer bytes than it announced: the list
+// holds only the whole elements delivered (and is absent when there are none).
 template <typename Element>
 std::optional<std::vector<Element>> readPropertyArray(AudioHardware& hardware, AudioObjectID object,
                                                       const AudioObjectPropertyAddress& address) {
@@ -21,6 +23,9 @@ std::optional<std::vector<Element>> readPropertyArray(AudioHardware& hardware, A
     auto byteCount = static_cast<std::uint32_t>(count * sizeof(Element));
     if (hardware.getPropertyData(object, address, byteCount, elements.data()) != kNoErr)
         return std::nullopt;
+    const std::size_t delivered = std::min<std::size_t>(byteCount / sizeof(Element), count);
+    if (delivered == 0) return std::nullopt;
+    elements.resize(delivered);
     return elements;
 }
 

@@ -83,16 +83,28 @@ Task<> SwitcherEngine::runSetRate(std::shared_ptr<SwitcherEngine> self, double r
 }
 
 void SwitcherEngine::setRateNow(double rate, AudioObjectID device) {
+    AudioHardware& audio = *ports_.audio;
+    // A switch keeps the device it started with. When the default device changed during its
+    // waits, the shown fields belong to the new device: the write, its lines and the depth are
+    // the old device's, and the shown device changes only through its own listener.
+    const bool shown = deviceID_ == device;
+    const std::string name = shown ? deviceName_ : CoreAudioHelper::deviceName(audio, device);
     const double value = rate;
-    const OSStatus status = ports_.audio->setPropertyData(
+    const OSStatus status = audio.setPropertyData(
         device, globalAddress(kAudioDevicePropertyNominalSampleRate), sizeof value, &value);
     if (status != kNoErr) {
-        logLine("Failed to set " + format(rate) + " kHz on " + deviceName_);
+        logLine("Failed to set " + format(rate) + " kHz on " + name);
+        return;
+    }
+    const std::string switched = name + " \u2192 " + format(rate) + " kHz";
+    if (!shown) {
+        logLine(switched);
+        CoreAudioHelper::setMaxBitDepth(audio, device, rate);
         return;
     }
     // The rate listener confirms later; until then the written rate stands.
     assign(deviceRate_, rate);
-    logLine(deviceName_ + " \u2192 " + format(rate) + " kHz");
+    logLine(switched);
     applyMaxBitDepth(device);
 }
 

@@ -153,5 +153,15 @@ TEST(PopupPlacementTest, BelowTheItemCentredAndKeptOnTheScreen) {
               QPoint(580, 472));
 }
 
+TEST_F(MyAppTest, ClosingTheAppEndsTheEngineEvenWithItsStartUpScanStillReading) {
+    rig.mac.executor->setBackgroundDuration(std::chrono::hours(1));
+    launch();
+    app->openWindow("panel");
+    const std::weak_ptr<SwitcherEngine> engine = app->environment().engine;
+    app.reset();
+    EXPECT_TRUE(engine.expired());
+    EXPECT_EQ(rig.mac.executor->pendingCount(), 0u);
+}
+
 }  // namespace
 }  // namespace corvanel

@@ -1,18 +1,30 @@
-// The Qt adapters: typed settings across store instances, the locale's time of day, and the
-// single-instance handshake over the local socket.
+// The Qt adapters: typed settings across store instances, the locale's time of day, the main
+// executor's background work and shut-down, and the single-instance handshake over the local
+// socket.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QLocalSocket>
 #include <QLocale>
 #include <QTemporaryDir>
 #include <QThread>
 #include <atomic>
+#include <future>
 #include <memory>
+#include <thread>
+
+#if defined(__APPLE__)
+#include <pthread/qos.h>
+#else
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
 
 #include "GuiApplication.h"
 #include "platform/qt/LocalWorkspace.h"
+#include "platform/qt/QtMainExecutor.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "platform/qt/QtTimeOfDay.h"
 #include "platform/qt/XdgAutostart.h"
@@ -86,16 +98,120 @@ TEST_F(QtSettingsStoreTest, AnUnreadableFileReadsAsEmptyWithoutCrashing) {
     EXPECT_TRUE(readBool(store, "autoSwitchEnabled", true));
 }
 
-TEST(QtTimeOfDayTest, UsesTheLongTimeStyleWithoutTheZone) {
-    const QLocale english(QLocale::English, QLocale::UnitedStates);
-    const QString format = timeFormatWithoutZone(english);
-    EXPECT_FALSE(format.contains(u't')) << format.toStdString();
-    EXPECT_TRUE(format.contains("ss")) << format.toStdString();
+TEST(QtTimeOfDayTest, EveryLocaleShowsHoursMinutesAndSecondsInItsMediumStyle) {
+    const QTime time(15, 4, 5);
+    const std::pair<const char*, const char*> expected[] = {{"en_US", "3:04:05 PM"},
+                                                            {"es_ES", "15:04:05"},
+                                                            {"ca_ES", "15:04:05"},
+                                                            {"de_DE", "15:04:05"},
+                                                            {"ja_JP", "15:04:05"},
+                                                            {"sq_AL", "3:04:05 e pasdites"},
+                                                            {"fi_FI", "15.04.05"},
+                                                            {"bg_BG", "15:04:05 \u0447."},
+                                                            {"ko_KR", "\uC624\uD6C4 3:04:05"},
+                                                            {"zh_TW", "\u4E0B\u53483:04:05"}};
+    for (const auto& [name, text] : expected) {
+        const QLocale locale(QString::fromLatin1(name));
+        EXPECT_EQ(locale.toString(time, mediumTimeFormat(locale)).toStdString(), text) << name;
+    }
+    const QDateTime local(QDate(2024, 3, 5), time);
+    const WallTime wall{std::chrono::milliseconds(local.toMSecsSinceEpoch())};
+    EXPECT_EQ(qtTimeOfDay(QLocale(QLocale::English, QLocale::UnitedStates), wall), "3:04:05 PM");
 
-    const QDateTime local(QDate(2024, 3, 5), QTime(15, 4, 5));
-    const WallTime time{std::chrono::milliseconds(local.toMSecsSinceEpoch())};
-    EXPECT_EQ(qtTimeOfDay(english, time), "3:04:05 PM");
-    EXPECT_EQ(qtTimeOfDay(QLocale(QLocale::German, QLocale::Germany), time), "15:04:05");
+    // No locale shows a zone's leftovers, and every one shows the seconds.
+    for (const QLocale& locale : QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript,
+                                                          QLocale::AnyTerritory)) {
+        const QString shown = locale.toString(time, mediumTimeFormat(locale));
+        const QString nextSecond = locale.toString(time.addSecs(1), mediumTimeFormat(locale));
+        EXPECT_NE(shown, nextSecond) << locale.name().toStdString();
+        EXPECT_EQ(shown, shown.trimmed()) << locale.name().toStdString();
+        EXPECT_FALSE(shown.contains(u'(') || shown.endsWith(u',')) << shown.toStdString();
+    }
+}
+
+// Background work on a thread of lower priority than the main thread's.
+bool runsBelowTheMainThread(int mainPriority, int workPriority) {
+#if defined(__APPLE__)
+    (void)mainPriority;
+    return workPriority == static_cast<int>(QOS_CLASS_UTILITY);
+#else
+    // A larger nice value yields; 19 is the lowest there is.
+    return workPriority > mainPriority || workPriority == 19;
+#endif
+}
+
+int thisThreadsPriority() {
+#if defined(__APPLE__)
+    return static_cast<int>(qos_class_self());
+#else
+    return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+#endif
+}
+
+TEST(QtMainExecutorTest, BackgroundWorkRunsAtLowPriorityAndHandsBackOnTheMainThread) {
+    testing::guiApplication();
+    QtMainExecutor executor;
+    std::atomic<int> workPriority = 0;
+    std::atomic<bool> workOnMainThread = true;
+    bool doneOnMainThread = false;
+    bool done = false;
+    const auto mainThread = std::this_thread::get_id();
+    executor.runInBackground(
+        [&] {
+            workPriority = thisThreadsPriority();
+            workOnMainThread = std::this_thread::get_id() == mainThread;
+        },
+        [&] {
+            doneOnMainThread = std::this_thread::get_id() == mainThread;
+            done = true;
+        });
+    QDeadlineTimer deadline(5000);
+    while (!done && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    ASSERT_TRUE(done);
+    EXPECT_FALSE(workOnMainThread);
+    EXPECT_TRUE(doneOnMainThread);
+    EXPECT_TRUE(runsBelowTheMainThread(thisThreadsPriority(), workPriority));
+}
+
+TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgroundWork) {
+    testing::guiApplication();
+    auto executor = std::make_unique<QtMainExecutor>();
+    std::promise<void> gate;
+    std::shared_future<void> opened = gate.get_future().share();
+    std::atomic<bool> workEnded = false;
+    int ran = 0;
+    auto held = std::make_shared<int>(0);
+    const std::weak_ptr<int> watch = held;
+    executor->runInBackground(
+        [opened, &workEnded] {
+            opened.wait();
+            workEnded = true;
+        },
+        [held, &ran] { ++ran; });
+    executor->post([held, &ran] { ++ran; });
+    executor->postAfter(std::chrono::milliseconds(1), [held, &ran] { ++ran; });
+    held.reset();
+    // The scan would still be reading for a second.
+    std::thread opener([&gate] {
+        std::this_thread::sleep_for(std::chrono::seconds(1));
+        gate.set_value();
+    });
+
+    const auto before = std::chrono::steady_clock::now();
+    executor->shutDown();
+    EXPECT_TRUE(watch.expired());  // dropped here, on the main thread
+    executor->post([&ran] { ++ran; });
+    executor.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
+
+    opener.join();
+    QDeadlineTimer deadline(5000);
+    while (!workEnded && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    EXPECT_TRUE(workEnded);
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_EQ(ran, 0);
 }
 
 TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {

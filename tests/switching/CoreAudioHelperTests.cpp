@@ -62,7 +62,7 @@ TEST_F(CoreAudioHelperTest, RangesExpandToStandardRatesAndDiscreteValuesStayAsTh
     EXPECT_EQ(rates(deviceWithRates({{1, 1e7}})).size(), 10u);
 }
 
-TEST_F(CoreAudioHelperTest, SizedReadsFailOnStatusEmptyOrTooSmallSizes) {
+TEST_F(CoreAudioHelperTest, SizedReadsFailOnStatusOrSizeAndHoldOnlyWhatWasDelivered) {
     const AudioObjectID device = deviceWithRates({{44100, 44100}, {48000, 48000}});
     EXPECT_TRUE(rates(deviceWithRates({})).empty());  // size 0
 
@@ -80,6 +80,12 @@ TEST_F(CoreAudioHelperTest, SizedReadsFailOnStatusEmptyOrTooSmallSizes) {
     // A ragged size is rounded down to whole elements, and the read is told that byte count.
     audio->overrideReportedSize(device, kAudioDevicePropertyAvailableNominalSampleRates, 17);
     EXPECT_EQ(rates(device), std::vector<double>{44100});
+    // Three announced, two delivered: the list holds the two, with no rate 0 and no stream 0.
+    audio->overrideReportedSize(device, kAudioDevicePropertyAvailableNominalSampleRates, 48);
+    EXPECT_EQ(rates(device), (std::vector<double>{44100, 48000}));
+    const AudioObjectID twoStreams = deviceWithStreams({stream({}, 16), stream({}, 16)});
+    audio->overrideReportedSize(twoStreams, kAudioDevicePropertyStreams, 12);
+    EXPECT_EQ(CoreAudioHelper::outputStreams(*audio, twoStreams), audio->streams(twoStreams));
 }
 
 TEST_F(CoreAudioHelperTest, NameUIDAndStreamsReportTheirFailureValues) {
@@ -125,6 +131,21 @@ TEST_F(CoreAudioHelperTest, TheDeepestLinearFormatThatFitsTheRateIsWrittenAtThat
     EXPECT_EQ(written.mBitsPerChannel, 24u);
     EXPECT_EQ(written.mSampleRate, 96000);
     EXPECT_EQ(audio->writes()[0].address.mSelector, kAudioStreamPropertyPhysicalFormat);
+}
+
+TEST_F(CoreAudioHelperTest, AmongEquallyDeepFormatsTheFirstOfferedIsWritten) {
+    // 24 bits packed in 3 bytes, and 24 bits in 4-byte containers.
+    const AudioStreamRangedDescription packed = SimAudioHardware::linearPCM(96000, 24);
+    AudioStreamRangedDescription unpacked = packed;
+    unpacked.mFormat.mFormatFlags = 0;
+    unpacked.mFormat.mBytesPerFrame = unpacked.mFormat.mBytesPerPacket = 8;
+    const AudioObjectID packedFirst = deviceWithStreams({stream({packed, unpacked}, 16, 96000)});
+    const AudioObjectID unpackedFirst = deviceWithStreams({stream({unpacked, packed}, 16, 96000)});
+
+    EXPECT_EQ(CoreAudioHelper::setMaxBitDepth(*audio, packedFirst, 96000), 24u);
+    EXPECT_EQ(audio->writes().back().format().mBytesPerFrame, 6u);
+    EXPECT_EQ(CoreAudioHelper::setMaxBitDepth(*audio, unpackedFirst, 96000), 24u);
+    EXPECT_EQ(audio->writes().back().format().mBytesPerFrame, 8u);
 }
 
 TEST_F(CoreAudioHelperTest, RangedEntriesFitByTheirRangeAndOtherFormatsNeverCount) {

@@ -72,6 +72,38 @@ TEST(TrackTechnicalsReply, AskingNeverLaunchesTheApp) {
               (TrackTechnicals{96000, std::nullopt, "Apple Lossless audio file"}));
 }
 
+// The real Music app sees only these texts, and the simulated one answers whatever the header
+// says: each is pinned here to its own copy, written out independently.
+TEST(MusicScriptTexts, AreExactlyTheTextsTheMusicAppUnderstands) {
+    EXPECT_STREQ(MusicScripts::playerState,
+                 R"(tell application "Music" to get player state as string)");
+    EXPECT_STREQ(MusicScripts::pause, R"(tell application "Music" to pause)");
+    EXPECT_STREQ(MusicScripts::play, R"(tell application "Music" to play)");
+    EXPECT_STREQ(MusicScripts::readPosition, R"(tell application "Music" to get player position)");
+    EXPECT_STREQ(MusicScripts::rewind, R"(tell application "Music" to set player position to 0.0)");
+    EXPECT_STREQ(MusicScripts::trackTechnicals, R"(tell application "Music"
+    if player state is stopped then return ""
+    set rateText to ""
+    try
+        set rateValue to sample rate of current track
+        if rateValue is missing value then return ""
+        set rateText to rateValue as string
+    on error
+        return ""
+    end try
+    set bitRateText to ""
+    try
+        set bitRateText to (bit rate of current track) as string
+    end try
+    set kindText to ""
+    try
+        set kindText to (kind of current track) as string
+    end try
+    return rateText & "|" & bitRateText & "|" & kindText
+end tell)");
+    EXPECT_STREQ(MusicScripts::musicBundleIdentifier, "com.apple.Music");
+}
+
 class PlayerControlTest : public ::testing::Test {
   protected:
     struct Result {

@@ -83,7 +83,7 @@ TEST(SimAudioHardware, UnpluggingTheDefaultDeviceFallsBackToTheNextOne) {
               kAudioHardwareBadObjectError);
 }
 
-TEST(SimMusicApp, PositionMovesOnlyWhilePlayingAndUnknownScriptsGetNoAnswer) {
+TEST(SimMusicApp, PositionMovesOnlyWhilePlayingAndAScriptLaunchesTheClosedApp) {
     testing::SimulatedMac mac;
     mac.music->setPlayerState("playing");
     mac.music->setPosition(10);
@@ -95,7 +95,9 @@ TEST(SimMusicApp, PositionMovesOnlyWhilePlayingAndUnknownScriptsGetNoAnswer) {
     EXPECT_EQ(mac.music->runScript(MusicScripts::playerState), "paused");
     EXPECT_EQ(mac.music->runScript("tell application \"Music\" to quit"), std::nullopt);
     mac.music->setRunning(false);
-    EXPECT_EQ(mac.music->runScript(MusicScripts::playerState), std::nullopt);
+    EXPECT_FALSE(mac.music->isApplicationRunning(MusicScripts::musicBundleIdentifier));
+    EXPECT_EQ(mac.music->runScript(MusicScripts::playerState), "stopped");
+    EXPECT_TRUE(mac.music->isApplicationRunning(MusicScripts::musicBundleIdentifier));
     EXPECT_EQ(mac.music->receivedScripts().size(), 6u);
 }
 

@@ -2,6 +2,8 @@
 // effects, the manual path, and the failure lines.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "SimulatedMac.h"
 #include "switching/SwitcherEngine.h"
 
@@ -42,6 +44,16 @@ class SwitcherEngineRateTest : public ::testing::Test {
         return engine;
     }
 
+    // Pausing on, and a running Music app in `playerState` whose track adds no technicals.
+    std::shared_ptr<SwitcherEngine> startPausing(const std::string& playerState) {
+        auto engine = start();
+        engine->setPauseDuringSwitch(true);
+        mac.music->setRunning(true);
+        mac.music->setTrack(SimMusicApp::Track{"", "", ""});
+        mac.music->setPlayerState(playerState);
+        return engine;
+    }
+
     // A decoder message for `rate` Hz lands in the log and the player starts; the first scan
     // runs 0.6 s later.
     void trackStarts(int rate) {
@@ -57,11 +69,7 @@ class SwitcherEngineRateTest : public ::testing::Test {
 };
 
 TEST_F(SwitcherEngineRateTest, PausingWrapsTheSwitchInPauseWaitAndRestartInThatOrder) {
-    const auto engine = start();
-    engine->setPauseDuringSwitch(true);
-    mac.music->setRunning(true);
-    mac.music->setTrack(SimMusicApp::Track{"", "", ""});  // no technicals to add
-    mac.music->setPlayerState("playing");
+    const auto engine = startPausing("playing");
     mac.music->setPosition(30);
     // The state check before pausing sees "playing"; the pause is confirmed at the third poll.
     mac.music->answerStateFor(3, "playing");
@@ -87,11 +95,7 @@ TEST_F(SwitcherEngineRateTest, PausingWrapsTheSwitchInPauseWaitAndRestartInThatO
 }
 
 TEST_F(SwitcherEngineRateTest, APausedOrSilentPlayerIsSwitchedAtOnceWithoutARestart) {
-    const auto engine = start();
-    engine->setPauseDuringSwitch(true);
-    mac.music->setRunning(true);
-    mac.music->setTrack(SimMusicApp::Track{"", "", ""});
-    mac.music->setPlayerState("paused");
+    const auto engine = startPausing("paused");
     trackStarts(44100);
     EXPECT_EQ(mac.journal, (std::vector<std::string>{"technicals", "state",
                                                      "write 44.1 on " + std::to_string(speakers)}));
@@ -103,12 +107,96 @@ TEST_F(SwitcherEngineRateTest, APausedOrSilentPlayerIsSwitchedAtOnceWithoutARest
                                                      "write 96 on " + std::to_string(speakers)}));
 }
 
-TEST_F(SwitcherEngineRateTest, ARateTheDeviceAlreadyRunsChangesNothingEvenWhilePlaying) {
-    const auto engine = start();
-    engine->setPauseDuringSwitch(true);
+TEST_F(SwitcherEngineRateTest, AMusicAppThatIsNotRunningIsNeverSentAScriptNorLaunched) {
+    const auto engine = startPausing("playing");
+    mac.music->setRunning(false);
+    trackStarts(44100);
+    EXPECT_EQ(mac.journal, std::vector<std::string>{"write 44.1 on " + std::to_string(speakers)});
+    EXPECT_FALSE(mac.music->isApplicationRunning(MusicScripts::musicBundleIdentifier));
+
+    // Music quits while the switch waits for the pause: nothing more is sent, the switch still
+    // happens and the track is not restarted (which would launch Music again).
     mac.music->setRunning(true);
-    mac.music->setTrack(SimMusicApp::Track{"48000", "", "Apple Lossless audio file"});
     mac.music->setPlayerState("playing");
+    mac.music->answerStateFor(2, "playing");
+    mac.journal.clear();
+    trackStarts(96000);
+    EXPECT_EQ(mac.journal, (std::vector<std::string>{"technicals", "state", "pause", "state"}));
+    mac.music->setRunning(false);
+    mac.executor->advanceBy(3s);
+    EXPECT_EQ(mac.journal, (std::vector<std::string>{"technicals", "state", "pause", "state",
+                                                     "write 96 on " + std::to_string(speakers)}));
+    EXPECT_FALSE(mac.music->isApplicationRunning(MusicScripts::musicBundleIdentifier));
+}
+
+TEST_F(SwitcherEngineRateTest, APauseNeverConfirmedOrAFailedWriteStillWaitsAndRestarts) {
+    const auto engine = startPausing("playing");
+    const std::vector<std::string> restart{"rewind", "position", "play", "state", "position"};
+
+    // The state check and all ten polls still read "playing": the switch follows the last
+    // poll's wait, one second after the pause.
+    mac.music->answerStateFor(11, "playing");
+    trackStarts(44100);
+    mac.executor->advanceBy(0.99s);
+    EXPECT_TRUE(mac.rateWrites().empty());
+    mac.executor->advanceBy(0.01s);
+    EXPECT_EQ(mac.rateWrites(), std::vector<std::string>{"44.1 on " + std::to_string(speakers)});
+    mac.journal.clear();
+    mac.executor->advanceBy(0.5s);
+    EXPECT_EQ(mac.journal, restart);
+
+    // The write fails after a confirmed pause: the failure is logged, the fields stay, and the
+    // track is still restarted after the half-second wait.
+    mac.audio->injectFailure({SimAudioHardware::Operation::setData, speakers,
+                              kAudioDevicePropertyNominalSampleRate,
+                              kAudioHardwareIllegalOperationError, std::nullopt});
+    mac.executor->advanceBy(2s);
+    mac.journal.clear();
+    trackStarts(96000);
+    EXPECT_EQ(activityTexts(engine->activity())[0], "Failed to set 96 kHz on Speakers");
+    EXPECT_EQ(engine->deviceRate(), 44100);
+    EXPECT_EQ(mac.journal, (std::vector<std::string>{"technicals", "state", "pause", "state",
+                                                     "write 96 on " + std::to_string(speakers)}));
+    mac.journal.clear();
+    mac.executor->advanceBy(0.49s);
+    EXPECT_TRUE(mac.journal.empty());
+    mac.executor->advanceBy(0.01s);
+    EXPECT_EQ(mac.journal, restart);
+    EXPECT_EQ(mac.music->playerState(), "playing");
+}
+
+TEST_F(SwitcherEngineRateTest, ADeviceChangeDuringThePauseLeavesTheSwitchWithItsOwnDevice) {
+    const AudioObjectID dac = mac.addDevice("DAC", 44100, {44100, 48000});
+    const auto engine = startPausing("playing");
+    mac.music->setPosition(30);
+    // The pause is confirmed at the second poll, 0.1 s after the first.
+    mac.music->answerStateFor(2, "playing");
+
+    trackStarts(96000);
+    ASSERT_TRUE(mac.rateWrites().empty());
+    mac.audio->setDefaultOutputDevice(dac);
+    mac.executor->advanceBy(2s);
+
+    // The DAC gets its own best rate at once (playback is already paused); the Speakers' switch
+    // goes on to the Speakers.
+    EXPECT_EQ(mac.rateWrites(), (std::vector<std::string>{"48 on " + std::to_string(dac),
+                                                          "96 on " + std::to_string(speakers)}));
+    EXPECT_EQ(mac.audio->nominalRate(speakers), 96000);
+    EXPECT_EQ(mac.audio->nominalRate(dac), 48000);
+    const std::vector<std::string> texts = activityTexts(engine->activity());
+    EXPECT_EQ(
+        std::vector<std::string>(texts.begin(), texts.begin() + 4),
+        (std::vector<std::string>{"Speakers \u2192 96 kHz", "DAC \u2192 48 kHz",
+                                  "Device lacks 96 kHz, using 48 kHz", "Output device now DAC"}));
+    EXPECT_EQ(engine->deviceName(), "DAC");
+    EXPECT_EQ(engine->deviceRate(), 48000);
+    EXPECT_EQ(engine->menuBarTitle(), "48 kHz");
+    EXPECT_EQ(std::count(mac.journal.begin(), mac.journal.end(), "play"), 1);
+}
+
+TEST_F(SwitcherEngineRateTest, ARateTheDeviceAlreadyRunsChangesNothingEvenWhilePlaying) {
+    const auto engine = startPausing("playing");
+    mac.music->setTrack(SimMusicApp::Track{"48000", "", "Apple Lossless audio file"});
     const std::vector<std::string> before = engine->activity();
     trackStarts(48000);
     EXPECT_EQ(mac.journal, std::vector<std::string>{"technicals"});

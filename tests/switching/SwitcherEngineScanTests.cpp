@@ -112,6 +112,23 @@ TEST_F(SwitcherEngineScanTest, TheLogsDepthJoinsTheAppsRateWhenTheyAgree) {
     EXPECT_EQ(mac.audio->nominalRate(speakers), 96000);
 }
 
+TEST_F(SwitcherEngineScanTest, TheAppIsAskedOnlyOnceTheLogHasBeenRead) {
+    const auto engine = start();
+    mac.executor->setBackgroundDuration(0.5s);
+    playTrack("44100", "256", "AAC audio file");
+    mac.postPlayerState("Playing");
+    mac.executor->advanceBy(0.7s);
+    // The log read is still running when the app moves on to the next track.
+    EXPECT_TRUE(mac.journal.empty());
+    playTrack("96000", "", "Apple Lossless audio file");
+    mac.executor->advanceBy(0.4s);
+    EXPECT_EQ(mac.journal,
+              (std::vector<std::string>{"technicals", "write 96 on " + std::to_string(speakers)}));
+    ASSERT_TRUE(engine->detection());
+    EXPECT_EQ(engine->detection()->sampleRate, 96000);
+    EXPECT_EQ(engine->detection()->source, "Apple Lossless audio file");
+}
+
 TEST_F(SwitcherEngineScanTest, MergeLetsTheAppsRateWinAndTakesTheLogsDateAnyway) {
     const WallTime logTime = WallTime{} + 100s;
     const WallTime now = WallTime{} + 200s;

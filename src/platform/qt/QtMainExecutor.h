@@ -1,8 +1,14 @@
 #pragma once
-// The MainExecutor of a running application: the Qt event loop of the GUI thread, a thread
-// pool for blocking work, and the real clocks.
+// The MainExecutor of a running application: the Qt event loop of the GUI thread, low-priority
+// background threads for blocking work, and the real clocks.
+//
+// Work waits in the executor's own inbox; Qt's queue and timers carry only its number. Shutting
+// down drops the inbox on the main thread while the application object still exists, and later
+// work is dropped without touching Qt. So no work (a suspended task holding the engine) is ever
+// destroyed inside Qt's own teardown, where the engine's teardown posting an event would wait
+// on Qt's lock for ever.
 #include <QObject>
-#include <QThreadPool>
+#include <memory>
 
 #include "platform/MainExecutor.h"
 
@@ -11,21 +17,26 @@ namespace corvanel {
 class QtMainExecutor final : public MainExecutor {
   public:
     QtMainExecutor();
+    // Shuts down: pending work is dropped, running background work is not waited for.
     ~QtMainExecutor() override;
+
+    QtMainExecutor(const QtMainExecutor&) = delete;
+    QtMainExecutor& operator=(const QtMainExecutor&) = delete;
 
     void post(Work work) override;
     void postAfter(std::chrono::nanoseconds delay, Work work) override;
-    void runInBackground(Work work) override;
+    void runInBackground(Work work, Work done) override;
+    void shutDown() override;
     MonoTime monotonicNow() const override;
     WallTime wallNow() const override;
 
   private:
-    // Lives on the GUI thread; queued work is delivered through its event queue and dropped
-    // with it.
+    class Inbox;
+
+    // Lives on the GUI thread; Qt delivers the inbox's numbers through its event queue.
     QObject context_;
-    // Our own pool: Qt's global one paints the meters' frames and must not wait behind a scan.
-    // Destroyed first, so work that finishes meanwhile can still post to the context.
-    QThreadPool background_;
+    // Shared with background threads, which outlive a shut-down executor.
+    std::shared_ptr<Inbox> inbox_;
 };
 
 }  // namespace corvanel

@@ -1,6 +1,6 @@
 #pragma once
-// The activity log's time of day from the system locale: its long time style (hours, minutes
-// and seconds) without the time zone, so a US English user reads 3:04:05 PM.
+// The activity log's time of day from the system locale: its medium time style (hours, minutes
+// and seconds, no zone), so a US English user reads 3:04:05 PM and a Spanish one 15:04:05.
 #include <QLocale>
 #include <QString>
 #include <string>
@@ -9,8 +9,11 @@
 
 namespace corvanel {
 
-// The locale's long time format with its time-zone fields removed.
-QString timeFormatWithoutZone(const QLocale& locale);
+// The locale's medium time format. Qt offers only the short style (no seconds) and the long one
+// (with a zone, whose removal leaves stray punctuation in some locales), so the seconds are
+// added to the short style after its minutes, with the separator that stands between its hours
+// and minutes; the day period is written in the locale's own case.
+QString mediumTimeFormat(const QLocale& locale);
 std::string qtTimeOfDay(const QLocale& locale, WallTime time);
 // For PlatformPorts::timeOfDay: the system locale at the time of the call.
 std::string systemTimeOfDay(WallTime time);

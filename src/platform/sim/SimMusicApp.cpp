@@ -81,7 +81,13 @@ std::optional<std::string> SimMusicApp::runScript(const std::string& source) {
         std::lock_guard lock(mutex_);
         received_.push_back(source);
         observer = observer_;
-        if (running_ && answering_) reply = answer(source);
+        // Like an Apple event, a script to the app when it is not running launches it.
+        if (!running_) {
+            running_ = true;
+            settlePosition();
+            state_ = "stopped";
+        }
+        if (answering_) reply = answer(source);
     }
     if (observer) observer(source);
     return reply;

@@ -2,7 +2,8 @@
 // A simulated Music app behind the script port: it answers the player's fixed script texts like
 // the real app (state names "playing", "paused", "stopped"; the position as a decimal number;
 // the technicals line "rate|bit rate|kind"), can be quit or told to stay silent, and records
-// every script it receives. Scripts it does not know get no answer.
+// every script it receives. A script sent while it is not running launches it, stopped, as an
+// Apple event launches the real app. Scripts it does not know get no answer.
 #include <functional>
 #include <memory>
 #include <mutex>

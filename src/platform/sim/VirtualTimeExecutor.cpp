@@ -8,15 +8,17 @@ namespace corvanel {
 VirtualTimeExecutor::VirtualTimeExecutor(WallTime wallStart) : wallStart_(wallStart) {}
 
 VirtualTimeExecutor::~VirtualTimeExecutor() {
-    // Dropping queued work may destroy suspended tasks, whose destructors may post again.
-    for (;;) {
-        std::vector<Item> dropped;
-        {
-            std::lock_guard lock(mutex_);
-            dropped.swap(queue_);
-        }
-        if (dropped.empty()) break;
+    shutDown();
+}
+
+void VirtualTimeExecutor::shutDown() {
+    std::vector<Item> dropped;
+    {
+        std::lock_guard lock(mutex_);
+        closed_ = true;
+        dropped.swap(queue_);
     }
+    // Dropped here, outside the lock: destroying a suspended task may post (and be dropped) again.
 }
 
 void VirtualTimeExecutor::post(Work work) {
@@ -24,18 +26,24 @@ void VirtualTimeExecutor::post(Work work) {
 }
 
 void VirtualTimeExecutor::postAfter(std::chrono::nanoseconds delay, Work work) {
-    std::lock_guard lock(mutex_);
-    queue_.push_back(
-        {now_ + std::max(delay, std::chrono::nanoseconds{0}), nextOrder_++, std::move(work)});
+    {
+        std::lock_guard lock(mutex_);
+        if (closed_) return;  // `work` is destroyed after the lock is released
+        queue_.push_back(
+            {now_ + std::max(delay, std::chrono::nanoseconds{0}), nextOrder_++, std::move(work)});
+    }
 }
 
-void VirtualTimeExecutor::runInBackground(Work work) {
+void VirtualTimeExecutor::runInBackground(Work work, Work done) {
     std::chrono::nanoseconds duration;
     {
         std::lock_guard lock(mutex_);
         duration = backgroundDuration_;
     }
-    postAfter(duration, std::move(work));
+    postAfter(duration, [this, work = std::move(work), done = std::move(done)] {
+        work();
+        post(done);
+    });
 }
 
 MonoTime VirtualTimeExecutor::monotonicNow() const {

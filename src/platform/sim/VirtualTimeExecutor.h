@@ -17,7 +17,8 @@ class VirtualTimeExecutor final : public MainExecutor {
 
     void post(Work work) override;
     void postAfter(std::chrono::nanoseconds delay, Work work) override;
-    void runInBackground(Work work) override;
+    void runInBackground(Work work, Work done) override;
+    void shutDown() override;
     MonoTime monotonicNow() const override;
     WallTime wallNow() const override;
 
@@ -46,6 +47,7 @@ class VirtualTimeExecutor final : public MainExecutor {
     MonoTime now_{};
     WallTime wallStart_;
     std::chrono::nanoseconds backgroundDuration_{0};
+    bool closed_ = false;
 };
 
 }  // namespace corvanel
