@@ -117,6 +117,21 @@ TEST(HostileInput, ScanLogAndAnalyzeOptionsAndFiles) {
     expectRows(rows);
 }
 
+TEST(HostileInput, ScanLogShowsTheFirstHundredWarningsAndCountsTheRest) {
+    QTemporaryDir directory;
+    QFile log(directory.filePath(QStringLiteral("broken.ndjson")));
+    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+    for (int line = 0; line < 250; ++line)
+        log.write("not json\n");
+    log.close();
+    const ToolRun run = runBuilt(tool, {"scan-log", log.fileName()});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.errors.count(QStringLiteral(" skipped: not a JSON object")), 100);
+    EXPECT_TRUE(run.errors.contains("line 100 skipped")) << run.errors.toStdString();
+    EXPECT_TRUE(run.errors.endsWith("warning: 150 more lines skipped, not shown\n"))
+        << run.errors.toStdString();
+}
+
 TEST(HostileInput, HeadlessDuration) {
     std::vector<Row> rows;
     for (const QString& value :
