@@ -1,8 +1,25 @@
 #include "app/AppOptions.h"
 
 #include <QCommandLineParser>
+#include <limits>
+
+#include "switching/NumberText.h"
 
 namespace corvanel {
+
+namespace {
+
+// The run ends on a timer counted in whole milliseconds in a signed 32-bit integer.
+constexpr double shortestDuration = 0.001;
+constexpr double longestDuration = std::numeric_limits<int>::max() / 1000.0;
+
+std::optional<double> headlessDuration(const QString& text) {
+    const std::optional<double> seconds = parseDecimal(text.toStdString());
+    if (!seconds || *seconds < shortestDuration || *seconds > longestDuration) return std::nullopt;
+    return seconds;
+}
+
+}  // namespace
 
 std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
     QCommandLineParser parser;
@@ -32,11 +49,11 @@ std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
     AppOptions options;
     options.demo = parser.isSet(demo);
     options.headless = parser.isSet(headless);
-    bool valid = false;
-    options.durationSeconds = parser.value(duration).toDouble(&valid);
-    if (!valid || options.durationSeconds <= 0)
-        return "--duration needs a positive number of seconds, not \"" + parser.value(duration) +
-               "\"";
+    const std::optional<double> seconds = headlessDuration(parser.value(duration));
+    if (!seconds)
+        return "--duration needs a number of seconds from 0.001 to 2147483, not \"" +
+               parser.value(duration) + "\"";
+    options.durationSeconds = *seconds;
     if (parser.isSet(snapshots)) options.snapshotDirectory = parser.value(snapshots);
     if (parser.isSet(settings)) options.settingsFile = parser.value(settings);
     for (const QString& window : parser.values(open)) {

@@ -36,6 +36,7 @@ void shrinkCoverageBy(const QImage& layer, QImage& coverage) {
     const QSize size((columns + Factor - 1) / Factor, (rows + Factor - 1) / Factor);
     if (coverage.size() != size || coverage.format() != QImage::Format_Alpha8)
         coverage = QImage(size, QImage::Format_Alpha8);
+    if (coverage.isNull()) return;  // no memory for it: no coverage, rather than a crash
     // Column sums of each band of Factor rows; the tail past the last column stays zero.
     thread_local std::vector<std::uint16_t> sums;
     for (int ty = 0; ty < size.height(); ++ty) {
@@ -119,6 +120,7 @@ class Enlarger {
         const QSize size(columns_ * Factor, rows_ * Factor);
         if (target.size() != size || target.format() != QImage::Format_ARGB32_Premultiplied)
             target = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        if (target.isNull()) return;  // no memory for it: nothing enlarged, rather than a crash
         constexpr auto phases = phasesOf<Factor>();
         const int width = columns_ * Factor;
         for (int y = 0; y < rows_ * Factor; ++y) {

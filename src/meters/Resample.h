@@ -8,11 +8,12 @@ namespace corvanel::meters {
 
 // `coverage` becomes the alpha of `layer` (ARGB32 premultiplied) shrunk by `factor` (2 or 4) as
 // Format_Alpha8: each pixel the mean of a factor x factor block, pixels past the edge counting
-// as transparent.
+// as transparent. Left null when there is no memory for it.
 void shrinkCoverage(const QImage& layer, int factor, QImage& coverage);
 
 // `target` becomes `reduced` (ARGB32 premultiplied) stretched `factor` (2 or 4) times, each
-// pixel interpolated bilinearly between the nearest pixel centres, edges held.
+// pixel interpolated bilinearly between the nearest pixel centres, edges held. Left null when
+// there is no memory for it.
 void enlarge(const QImage& reduced, int factor, QImage& target);
 
 }  // namespace corvanel::meters

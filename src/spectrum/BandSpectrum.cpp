@@ -100,7 +100,10 @@ const std::array<float, BandSpectrum::fftSize>& BandSpectrum::window() {
 
 float BandSpectrum::levelOfPower(float power) {
     const float db = 10.0f * std::log10(power / windowPower + 1e-12f);
-    return std::clamp((db + 60.0f) / 60.0f, 0.0f, 1.0f);
+    const float level = (db + 60.0f) / 60.0f;
+    // Written so that a power that is not a number (an overflow in the transform) reads as 0.
+    if (!(level > 0.0f)) return 0.0f;
+    return std::min(level, 1.0f);
 }
 
 BandSpectrum::Targets BandSpectrum::computeTargets(double sampleRate) {
@@ -108,8 +111,11 @@ BandSpectrum::Targets BandSpectrum::computeTargets(double sampleRate) {
     if (!plan_) return targets;
     float* samples = plan_->samples.get();
     const auto& hann = window();
+    // A sample that is not a finite number (a broken driver or file) would spread over every bin
+    // of the transform; it counts as silence instead.
     for (std::int64_t n = 0; n < fftSize; ++n)
-        samples[n] *= hann[static_cast<std::size_t>(n)];
+        samples[n] =
+            std::isfinite(samples[n]) ? samples[n] * hann[static_cast<std::size_t>(n)] : 0.0f;
     fftwf_execute(plan_->forward.get());
 
     if (sampleRate != rangesRate_) {

@@ -6,7 +6,18 @@
 
 namespace corvanel::LevelDynamics {
 
+namespace {
+
+// A target that is not a number in 0 ... 1 comes from samples that were not numbers; the value
+// holds rather than taking it on.
+bool isLevel(float target) {
+    return target >= 0.0f && target <= 1.0f;
+}
+
+}  // namespace
+
 float smoothBand(float current, float target) {
+    if (!isLevel(target)) return current;
     if (current < target) return current * 0.59f + target * 0.41f;
     return std::max(target, current - 0.05f);
 }
@@ -16,6 +27,7 @@ float fallWithoutData(float current) {
 }
 
 float meterBallistics(float current, float target) {
+    if (!isLevel(target)) return current;
     const float coefficient = target > current ? 0.33f : 0.13f;
     return current + (target - current) * coefficient;
 }

@@ -37,40 +37,17 @@ std::optional<double> normalisedRate(std::string_view rateText) {
     return rate;
 }
 
+// The deepest sample format there is holds 64 bits; a depth outside 1 ... 64 is a number that
+// is not a bit depth, and is read as no depth like any other unreadable depth text.
+constexpr std::int64_t deepestDepth = 64;
+
 std::optional<std::int64_t> depthBetween(std::string_view message, std::string_view open,
                                          std::string_view close) {
     const auto text = between(message, open, close);
     if (!text) return std::nullopt;
-    return parsePlainInteger(trimSpacesAndTabs(*text));
-}
-
-// Decodes one UTF-8 code point at `at`; a malformed sequence reads as U+FFFD of length 1.
-char32_t codePointAt(std::string_view text, std::size_t at, std::size_t& length) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(at);
-    length = 1;
-    if (lead < 0x80) return lead;
-    std::size_t count = 0;
-    char32_t value = 0;
-    if ((lead & 0xE0) == 0xC0) {
-        count = 2;
-        value = lead & 0x1F;
-    } else if ((lead & 0xF0) == 0xE0) {
-        count = 3;
-        value = lead & 0x0F;
-    } else if ((lead & 0xF8) == 0xF0) {
-        count = 4;
-        value = lead & 0x07;
-    } else {
-        return U'\uFFFD';
-    }
-    if (at + count > text.size()) return U'\uFFFD';
-    for (std::size_t i = 1; i < count; ++i) {
-        if ((byte(at + i) & 0xC0) != 0x80) return U'\uFFFD';
-        value = (value << 6) | (byte(at + i) & 0x3F);
-    }
-    length = count;
-    return value;
+    const std::optional<std::int64_t> depth = parsePlainInteger(trimSpacesAndTabs(*text));
+    if (!depth || *depth < 1 || *depth > deepestDepth) return std::nullopt;
+    return depth;
 }
 
 // The run of numeric characters and points right after "sampleRate:", nothing skipped.
@@ -78,7 +55,7 @@ std::string_view numericRunAfter(std::string_view message, std::size_t start) {
     std::size_t end = start;
     while (end < message.size()) {
         std::size_t length = 1;
-        const char32_t c = codePointAt(message, end, length);
+        const char32_t c = decodeUtf8(message, end, length);
         if (c != U'.' && !isUnicodeNumeric(c)) break;
         end += length;
     }

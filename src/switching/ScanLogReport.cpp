@@ -7,14 +7,29 @@
 #include "switching/LogScanner.h"
 #include "switching/NumberText.h"
 #include "switching/RateLabels.h"
+#include "switching/UnicodeNumeric.h"
 
 namespace corvanel {
 namespace {
 
+// Valid JSON in valid UTF-8 whatever the text holds: a byte that is not part of a well-formed
+// UTF-8 character is written as U+FFFD.
 std::string jsonString(const std::string& text) {
     std::string out = "\"";
-    for (const char c : text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const char c = text[at];
         const auto byte = static_cast<unsigned char>(c);
+        if (byte >= 0x80) {
+            std::size_t length = 1;
+            const char32_t decoded = decodeUtf8(text, at, length);
+            if (decoded == U'\uFFFD' && length == 1)
+                out += "\\ufffd";
+            else
+                out.append(text, at, length);
+            at += length;
+            continue;
+        }
+        ++at;
         if (c == '"') {
             out += "\\\"";
         } else if (c == '\\') {
@@ -35,6 +50,9 @@ std::string jsonString(const std::string& text) {
     }
     return out + "\"";
 }
+
+// About 31 years, more than any log holds; a longer span would reach past what a clock counts.
+constexpr double longestSpan = 1e9;
 
 std::string jsonNumber(double value) {
     if (value == std::round(value) && std::fabs(value) < 1e15)
@@ -62,8 +80,9 @@ std::variant<ScanLogOptions, std::string> parseScanLogArguments(
         } else if (argument == "--seconds") {
             if (!hasValue) return std::string("--seconds needs a number of seconds");
             const auto seconds = parseDecimal(arguments[++index]);
-            if (!seconds || !(*seconds > 0) || !std::isfinite(*seconds))
-                return "--seconds needs a positive number, not \"" + arguments[index] + "\"";
+            if (!seconds || !(*seconds > 0) || *seconds > longestSpan)
+                return "--seconds needs a positive number up to 1e9, not \"" + arguments[index] +
+                       "\"";
             options.seconds = *seconds;
         } else if (argument == "--now") {
             if (!hasValue) return std::string("--now needs a time");

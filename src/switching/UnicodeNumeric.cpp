@@ -69,6 +69,40 @@ constexpr CodePointRange numericRanges[] = {
 
 }  // namespace
 
+char32_t decodeUtf8(std::string_view text, std::size_t at, std::size_t& length) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(at);
+    length = 1;
+    if (lead < 0x80) return lead;
+    std::size_t count = 0;
+    char32_t value = 0;
+    char32_t smallest = 0;  // below it, a shorter form exists: the form is overlong
+    if ((lead & 0xE0) == 0xC0) {
+        count = 2;
+        value = lead & 0x1F;
+        smallest = 0x80;
+    } else if ((lead & 0xF0) == 0xE0) {
+        count = 3;
+        value = lead & 0x0F;
+        smallest = 0x800;
+    } else if ((lead & 0xF8) == 0xF0) {
+        count = 4;
+        value = lead & 0x07;
+        smallest = 0x10000;
+    } else {
+        return U'\uFFFD';
+    }
+    if (count > text.size() - at) return U'\uFFFD';
+    for (std::size_t i = 1; i < count; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80) return U'\uFFFD';
+        value = (value << 6) | (byte(at + i) & 0x3F);
+    }
+    if (value < smallest || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF))
+        return U'\uFFFD';
+    length = count;
+    return value;
+}
+
 bool isUnicodeNumeric(char32_t codePoint) {
     if (codePoint < 0x80) return codePoint >= U'0' && codePoint <= U'9';
     const auto* end = std::end(numericRanges);

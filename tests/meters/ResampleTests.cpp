@@ -1,9 +1,13 @@
 // Whole-factor shrinking and stretching of layer images, against straightforward references.
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <QImage>
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <random>
 
 #include "meters/Resample.h"
@@ -114,6 +118,52 @@ TEST(ShrinkCoverage, AveragesBlocksAndCountsPixelsPastTheEdgeAsClear) {
                     << factor << ": " << tx << "," << ty;
             }
     }
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool underSanitizer = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+constexpr bool underSanitizer = true;
+#else
+constexpr bool underSanitizer = false;
+#endif
+#else
+constexpr bool underSanitizer = false;
+#endif
+
+// The process's address space now, in bytes.
+std::size_t addressSpaceInUse() {
+    std::FILE* statm = std::fopen("/proc/self/statm", "r");
+    unsigned long pages = 0;
+    if (!statm || std::fscanf(statm, "%lu", &pages) != 1) std::abort();
+    std::fclose(statm);
+    return pages * 4096;
+}
+
+// Shrinks and enlarges into results that the capped address space cannot hold; exits with 0 when
+// both are left null.
+[[noreturn]] void resampleUnderACap() {
+    QImage layer(4096, 4096, QImage::Format_ARGB32_Premultiplied);  // 64 MiB
+    QImage reduced(1024, 1024, QImage::Format_ARGB32_Premultiplied);
+    layer.fill(Qt::white);
+    reduced.fill(Qt::white);
+    const rlimit cap{addressSpaceInUse() + (2u << 20), RLIM_INFINITY};
+    setrlimit(RLIMIT_AS, &cap);
+    QImage coverage;  // 4 MiB wanted
+    shrinkCoverage(layer, 2, coverage);
+    QImage enlarged;  // 64 MiB wanted
+    enlarge(reduced, 4, enlarged);
+    std::_Exit(coverage.isNull() && enlarged.isNull() ? 0 : 1);
+}
+
+// With no memory left for the result, both leave it null instead of writing through it; run in
+// a child process whose address space is capped just above what it holds.
+TEST(Resample, AResultThatCannotBeAllocatedStaysNull) {
+    if (underSanitizer)
+        GTEST_SKIP() << "a sanitizer's shadow memory needs more address space than the cap allows";
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(resampleUnderACap(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

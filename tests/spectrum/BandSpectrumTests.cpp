@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <numeric>
 
@@ -41,6 +42,9 @@ TEST(BandSpectrum, PowerMapsLinearlyInDecibelsFromMinus60To0) {
     EXPECT_NEAR(BandSpectrum::levelOfPower(0.375f * 0.01f), 40.0f / 60.0f, 1e-5);
     EXPECT_NEAR(BandSpectrum::levelOfPower(0.375e-6f), 0.0f, 1e-5);
     EXPECT_EQ(BandSpectrum::levelOfPower(0.0f), 0.0f);
+    // An overflowing transform: no number reads as nothing, an infinite power as full scale.
+    EXPECT_EQ(BandSpectrum::levelOfPower(std::numeric_limits<float>::quiet_NaN()), 0.0f);
+    EXPECT_EQ(BandSpectrum::levelOfPower(std::numeric_limits<float>::infinity()), 1.0f);
 }
 
 TEST(BandSpectrum, FullScaleSineAtABinCentreFillsItsBandAndNoOther) {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "SpectrumTestWorld.h"
 #include "platform/sim/MusicSynthesizer.h"
@@ -47,6 +49,71 @@ TEST(OfflineSpectrum, ValuesAtAMomentMatchTickingThere) {
     EXPECT_EQ(at.peaks, last.peaks);
     EXPECT_EQ(at.leftLevel, last.leftLevel);
     EXPECT_GT(at.leftLevel, 0.0f);
+}
+
+// A tone in which every 997th sample is not a number, and one stretch is infinite.
+class DamagedTone final : public AudioSource {
+  public:
+    DamagedTone() { tone_.leftAmplitude = tone_.rightAmplitude = 0.5f; }
+    double sampleRate() const override { return tone_.sampleRate(); }
+    std::uint32_t channels() const override { return 2; }
+    void render(float* interleaved, std::size_t frames) override {
+        tone_.render(interleaved, frames);
+        for (std::size_t i = 0; i < 2 * frames; ++i, ++sample_) {
+            if (sample_ % 997 == 0) interleaved[i] = std::numeric_limits<float>::quiet_NaN();
+            if (sample_ >= 40000 && sample_ < 40100)
+                interleaved[i] = sample_ % 2 ? std::numeric_limits<float>::infinity()
+                                             : -std::numeric_limits<float>::infinity();
+        }
+    }
+
+  private:
+    testing::ToneSource tone_;
+    std::uint64_t sample_ = 0;
+};
+
+TEST(OfflineSpectrum, SamplesThatAreNotNumbersNeverReachThePublishedValues) {
+    OfflineSpectrum offline(std::make_shared<DamagedTone>());
+    const auto isLevel = [](float value) { return value >= 0.0f && value <= 1.0f; };
+    SpectrumSnapshot values;
+    for (int tick = 1; tick <= 45; ++tick) {
+        values = offline.nextTick();
+        ASSERT_TRUE(std::all_of(values.levels.begin(), values.levels.end(), isLevel)) << tick;
+        ASSERT_TRUE(std::all_of(values.peaks.begin(), values.peaks.end(), isLevel)) << tick;
+        ASSERT_TRUE(isLevel(values.leftLevel) && isLevel(values.rightLevel)) << tick;
+    }
+    // The damaged samples count as silence; the tone around them still shows (band 23, 1030.6 Hz).
+    EXPECT_GT(values.levels[23], 0.8f);
+}
+
+// Silence, but for one 512-frame block of full-scale sound ending at `loudBlockEnd` frames.
+class OneLoudBlock final : public AudioSource {
+  public:
+    explicit OneLoudBlock(std::uint64_t loudBlockEnd) : end_(loudBlockEnd) {}
+    double sampleRate() const override { return 48000; }
+    std::uint32_t channels() const override { return 2; }
+    void render(float* interleaved, std::size_t frames) override {
+        for (std::size_t i = 0; i < frames; ++i, ++frame_) {
+            const float value = frame_ + 512 >= end_ && frame_ < end_ ? 0.5f : 0.0f;
+            interleaved[2 * i] = interleaved[2 * i + 1] = value;
+        }
+    }
+
+  private:
+    std::uint64_t end_;
+    std::uint64_t frame_ = 0;
+};
+
+TEST(OfflineSpectrum, ATickAtTheInstantABlockEndsSeesThatBlock) {
+    // At 48 kHz, 99 blocks of 512 frames end at 1.056 s, the moment of the 32nd tick of 33 ms.
+    OfflineSpectrum offline(std::make_shared<OneLoudBlock>(99 * 512));
+    SpectrumSnapshot values;
+    for (int tick = 1; tick <= 31; ++tick)
+        values = offline.nextTick();
+    EXPECT_EQ(values.leftLevel, 0.0f);
+    values = offline.nextTick();
+    EXPECT_NEAR(values.time, 1.056, 1e-9);
+    EXPECT_GT(values.leftLevel, 0.3f);
 }
 
 }  // namespace

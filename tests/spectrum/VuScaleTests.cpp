@@ -28,5 +28,15 @@ TEST(VuScale, OutsideTheScaleItPinsToTheEnds) {
     EXPECT_EQ(vuFraction(-std::numeric_limits<float>::infinity()), 0.0f);
 }
 
+TEST(LevelMotion, ATargetThatIsNotALevelLeavesTheValueWhereItWas) {
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    for (const float target : {nan, inf, -inf}) {
+        EXPECT_EQ(LevelDynamics::smoothBand(0.5f, target), 0.5f) << target;
+        EXPECT_EQ(LevelDynamics::meterBallistics(0.5f, target), 0.5f) << target;
+    }
+    EXPECT_FLOAT_EQ(LevelDynamics::smoothBand(0.5f, 1.0f), 0.705f);  // real targets still move it
+}
+
 }  // namespace
 }  // namespace corvanel

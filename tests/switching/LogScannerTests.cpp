@@ -37,7 +37,20 @@ TEST(AudioCapabilitiesRecogniser, DepthIsOptionalAndMustBeAPlainInteger) {
     EXPECT_FALSE(parse(capabilities("48", "24.0"))->bitDepth);
     EXPECT_FALSE(parse(capabilities("48", ""))->bitDepth);
     EXPECT_EQ(parse(capabilities("48", " \t+24\t"))->bitDepth, 24);
-    EXPECT_EQ(parse(capabilities("48", "-16"))->bitDepth, -16);
+}
+
+TEST(AudioCapabilitiesRecogniser, ANumberThatIsNoBitDepthGivesNoDepth) {
+    EXPECT_EQ(parse(capabilities("48", "1"))->bitDepth, 1);
+    EXPECT_EQ(parse(capabilities("48", "64"))->bitDepth, 64);
+    for (const char* depth : {"0", "-16", "65", "4294967320", "-9223372036854775808",
+                              "9223372036854775807", "99999999999999999999999"}) {
+        const auto found = parse(capabilities("48", depth));
+        ASSERT_TRUE(found) << depth;
+        EXPECT_EQ(found->sampleRate, 48000) << depth;
+        EXPECT_FALSE(found->bitDepth) << depth;
+    }
+    EXPECT_FALSE(parse("ACAppleLosslessDecoder Input format: 2 ch, 96000 Hz, from -24-bit source")
+                     ->bitDepth);
 }
 
 TEST(AudioCapabilitiesRecogniser, NormalisesAndChecksTheRate) {
@@ -124,6 +137,12 @@ TEST(AudioQueueRecogniser, AnyNumericCharacterBelongsToTheNumber) {
     EXPECT_EQ(parse("Creating AudioQueue sampleRate:48000Hz")->sampleRate, 48000);
     EXPECT_EQ(parse("Creating AudioQueue sampleRate:48000\u00E9")->sampleRate, 48000);
     EXPECT_EQ(parse(std::string("Creating AudioQueue sampleRate:48000\xFF"))->sampleRate, 48000);
+    // An overlong form of "1" (two, three or four bytes) is not the digit: the run ends before it.
+    for (const char* overlong : {"\xC0\xB1", "\xE0\x80\xB1", "\xF0\x80\x80\xB1"})
+        EXPECT_EQ(
+            parse(std::string("Creating AudioQueue sampleRate:44") + overlong + " ch")->sampleRate,
+            44000)
+            << overlong;
 }
 
 class LogScanTest : public ::testing::Test {

@@ -5,25 +5,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
+
+#include "ToolRun.h"
 
 namespace {
 
-struct ToolRun {
-    int exitCode;
-    QString errors;
-};
-
 ToolRun render(const QStringList& arguments) {
-    const QString tool = QStringLiteral(CORVANEL_BINARY_DIR "/tools/corvanel-tool");
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    process.setProcessEnvironment(environment);
-    process.start(tool, QStringList{QStringLiteral("render")} + arguments);
-    if (!process.waitForFinished(60000)) return {-1, QStringLiteral("did not finish: ") + tool};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardError())};
+    return runBuilt("tools/corvanel-tool", QStringList{QStringLiteral("render")} + arguments);
 }
 
 class RenderCommand : public ::testing::Test {

@@ -1,5 +1,6 @@
 // corvanel-tool analyze FILE [--json]: the meters' values for an audio file, one line per
 // analysis tick, computed by the real analyzer as if the file were playing.
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -13,9 +14,18 @@
 namespace corvanel::tool {
 namespace {
 
+// The analyzer publishes only levels from 0 to 1; should anything else ever come out, the JSON
+// says null rather than "nan", which is not JSON.
+void printValue(float value, const char* before) {
+    if (std::isfinite(value))
+        std::printf("%s%.6f", before, static_cast<double>(value));
+    else
+        std::printf("%snull", before);
+}
+
 void printValues(const std::vector<float>& values, const char* separator) {
     for (std::size_t i = 0; i < values.size(); ++i)
-        std::printf("%s%.6f", i == 0 ? "" : separator, static_cast<double>(values[i]));
+        printValue(values[i], i == 0 ? "" : separator);
 }
 
 void printText(const SpectrumSnapshot& values) {
@@ -32,8 +42,10 @@ void printJson(const SpectrumSnapshot& values) {
     printValues(values.levels, ",");
     std::printf("],\"peaks\":[");
     printValues(values.peaks, ",");
-    std::printf("],\"left\":%.6f,\"right\":%.6f}\n", static_cast<double>(values.leftLevel),
-                static_cast<double>(values.rightLevel));
+    std::printf("]");
+    printValue(values.leftLevel, ",\"left\":");
+    printValue(values.rightLevel, ",\"right\":");
+    std::printf("}\n");
 }
 
 int analyze(const std::vector<std::string>& arguments) {
@@ -74,7 +86,10 @@ int analyze(const std::vector<std::string>& arguments) {
 }
 
 const RegisterCommand registration{
-    {"analyze", "FILE [--json]  meter values per 33 ms tick of an audio file", analyze}};
+    {"analyze",
+     "FILE [--json]  meter values per 33 ms tick of an audio file (a FIFO as FILE waits for its "
+     "writer)",
+     analyze}};
 
 }  // namespace
 }  // namespace corvanel::tool

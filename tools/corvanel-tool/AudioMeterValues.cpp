@@ -1,5 +1,6 @@
 #include "AudioMeterValues.h"
 
+#include <cstdio>
 #include <memory>
 
 #include "platform/sim/AudioFileSource.h"
@@ -26,7 +27,17 @@ std::variant<meters::MeterValues, std::string> meterValuesFromFile(const std::st
                                                                    double seconds) {
     auto opened = AudioFileSource::open(path);
     if (auto* error = std::get_if<std::string>(&opened)) return std::move(*error);
-    return valuesAt(std::move(std::get<std::unique_ptr<AudioFileSource>>(opened)), seconds);
+    std::unique_ptr<AudioFileSource> file =
+        std::move(std::get<std::unique_ptr<AudioFileSource>>(opened));
+    // Playing on to a moment the file never reaches would take as long as the moment is far.
+    const double duration = static_cast<double>(file->frameCount()) / file->sampleRate();
+    if (!(seconds <= duration)) {
+        char message[160];
+        std::snprintf(message, sizeof message, "--at %g is past the end of the file (%.3f s long)",
+                      seconds, duration);
+        return "\"" + path + "\": " + message;
+    }
+    return valuesAt(std::move(file), seconds);
 }
 
 meters::MeterValues galleryMeterValues() {

@@ -1,6 +1,9 @@
 // corvanel-tool render: draws one still frame of a meter style, or the menu-bar label, into a
 // PNG without a window.
+#include <QBuffer>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QString>
@@ -40,13 +43,29 @@ std::unique_ptr<QGuiApplication> makeApplication() {
     return std::make_unique<QGuiApplication>(argc, argv);
 }
 
+// The image is encoded in memory and written in one go, so that a write the disk refuses (a
+// full disk) is seen as a failure; a file left incomplete is removed.
 int save(const QImage& image, const std::string& path) {
     if (image.isNull()) {
         std::fprintf(stderr, "corvanel-tool render: nothing was rendered for %s\n", path.c_str());
         return 1;
     }
-    if (!image.save(QString::fromStdString(path), "PNG")) {
-        std::fprintf(stderr, "corvanel-tool render: could not write %s\n", path.c_str());
+    QByteArray encoded;
+    QBuffer buffer(&encoded);
+    if (!buffer.open(QIODevice::WriteOnly) || !image.save(&buffer, "PNG")) {
+        std::fprintf(stderr, "corvanel-tool render: could not encode the image for %s\n",
+                     path.c_str());
+        return 1;
+    }
+    QFile file(QString::fromStdString(path));
+    const bool written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+                         file.write(encoded) == encoded.size() && file.flush();
+    const QString reason = file.errorString();
+    file.close();
+    if (!written || file.error() != QFileDevice::NoError) {
+        std::fprintf(stderr, "corvanel-tool render: could not write %s: %s\n", path.c_str(),
+                     qPrintable(written ? file.errorString() : reason));
+        if (QFileInfo(file).isFile()) file.remove();
         return 1;
     }
     std::printf("%s\n", path.c_str());
@@ -62,7 +81,15 @@ QSizeF galleryArea(PanelMeterStyle style) {
     return style.heightGroup() == PanelHeightGroup::tall ? QSizeF(460, 450) : QSizeF(460, 190);
 }
 
+// The largest picture of the gallery, the visualizer's window.
+const QSizeF galleryLargestArea(960, 600);
+
 int renderGallery(const std::string& directory, double scale) {
+    if (const auto problem = imageSizeProblem(galleryLargestArea.width() * scale,
+                                              galleryLargestArea.height() * scale)) {
+        std::fprintf(stderr, "corvanel-tool render: %s\n", problem->c_str());
+        return 2;
+    }
     if (!QDir().mkpath(QString::fromStdString(directory))) {
         std::fprintf(stderr, "corvanel-tool render: could not create %s\n", directory.c_str());
         return 1;
@@ -79,7 +106,7 @@ int renderGallery(const std::string& directory, double scale) {
              directory + "/label.png");
     // The visualizer at its window's size, at a fixed moment so the picture is reproducible.
     failures += save(
-        renderCandlelightSnapshot(values.levels, galleryVisualizerTime, QSizeF(960, 600), scale),
+        renderCandlelightSnapshot(values.levels, galleryVisualizerTime, galleryLargestArea, scale),
         directory + "/candlelight.png");
     return failures == 0 ? 0 : 1;
 }

@@ -1,7 +1,10 @@
 #include "RenderOptions.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <functional>
+
 #include "switching/NumberText.h"
 
 namespace corvanel::tool {
@@ -10,14 +13,27 @@ namespace {
 
 using OptionError = std::optional<std::string>;
 
+// A still frame is drawn in memory several layers deep; these keep each layer well within it.
+constexpr double largestSide = 8192;
+constexpr double largestArea = 4096.0 * 4096.0;
+// The visualizer's clock, in seconds either side of 2001: far beyond any real frame, yet small
+// enough for its whole-number arithmetic.
+constexpr double largestTime = 1e10;
+
+std::optional<float> meterLevel(const std::string& text) {
+    const std::optional<double> value = parseDecimal(text);
+    if (!value || *value < 0 || *value > 1) return std::nullopt;
+    return static_cast<float>(*value);
+}
+
 std::optional<std::vector<float>> parseList(const std::string& text) {
     std::vector<float> values;
     std::size_t start = 0;
     while (start <= text.size() && !text.empty()) {
         const std::size_t comma = std::min(text.find(',', start), text.size());
-        const std::optional<double> value = parseDecimal(text.substr(start, comma - start));
+        const std::optional<float> value = meterLevel(text.substr(start, comma - start));
         if (!value) return std::nullopt;
-        values.push_back(static_cast<float>(*value));
+        values.push_back(*value);
         start = comma + 1;
     }
     return values;
@@ -30,10 +46,18 @@ OptionError setNumber(double& target, const std::string& option, const std::stri
     return std::nullopt;
 }
 
+OptionError setLevel(float& target, const std::string& option, const std::string& text) {
+    const std::optional<float> value = meterLevel(text);
+    if (!value) return option + " expects a level from 0 to 1, got \"" + text + "\"";
+    target = *value;
+    return std::nullopt;
+}
+
 OptionError setList(std::vector<float>& target, const std::string& option,
                     const std::string& text) {
     std::optional<std::vector<float>> values = parseList(text);
-    if (!values) return option + " expects numbers separated by commas, got \"" + text + "\"";
+    if (!values)
+        return option + " expects numbers from 0 to 1 separated by commas, got \"" + text + "\"";
     target = std::move(*values);
     return std::nullopt;
 }
@@ -80,20 +104,10 @@ const std::vector<OptionRow>& optionTable() {
                         const std::string& v) { return setList(o.values.levels, "--levels", v); }},
         {"--peaks", [](RenderOptions& o,
                        const std::string& v) { return setList(o.values.peaks, "--peaks", v); }},
-        {"--left",
-         [](RenderOptions& o, const std::string& v) {
-             double value = 0;
-             OptionError error = setNumber(value, "--left", v);
-             o.values.left = static_cast<float>(value);
-             return error;
-         }},
-        {"--right",
-         [](RenderOptions& o, const std::string& v) {
-             double value = 0;
-             OptionError error = setNumber(value, "--right", v);
-             o.values.right = static_cast<float>(value);
-             return error;
-         }},
+        {"--left", [](RenderOptions& o,
+                      const std::string& v) { return setLevel(o.values.left, "--left", v); }},
+        {"--right", [](RenderOptions& o,
+                       const std::string& v) { return setLevel(o.values.right, "--right", v); }},
         {"--label",
          [](RenderOptions& o, const std::string& v) -> OptionError {
              o.label = v;
@@ -119,6 +133,8 @@ const std::vector<OptionRow>& optionTable() {
          [](RenderOptions& o, const std::string& v) -> OptionError {
              double value = 0;
              if (OptionError error = setNumber(value, "--time", v)) return error;
+             if (std::fabs(value) > largestTime)
+                 return "--time expects seconds since 2001 within 1e10 either way";
              o.time = value;
              return std::nullopt;
          }},
@@ -138,6 +154,18 @@ OptionError parseRenderOptions(const std::vector<std::string>& arguments, Render
         if (i + 1 >= arguments.size()) return name + " needs a value";
         if (OptionError error = row->apply(options, arguments[i + 1])) return error;
     }
+    return imageSizeProblem(options.width * options.scale, options.height * options.scale);
+}
+
+OptionError imageSizeProblem(double pixelWidth, double pixelHeight) {
+    char size[96];
+    std::snprintf(size, sizeof size, "%.0fx%.0f pixels", pixelWidth, pixelHeight);
+    if (!(pixelWidth <= largestSide && pixelHeight <= largestSide &&
+          pixelWidth * pixelHeight <= largestArea))
+        return "--size and --scale give an image of " + std::string(size) +
+               "; at most 8192 pixels a side and 16777216 pixels in all fit in memory";
+    if (std::lround(pixelWidth) < 1 || std::lround(pixelHeight) < 1)
+        return "--size and --scale give an image of " + std::string(size) + ", too small to draw";
     return std::nullopt;
 }
 

@@ -28,4 +28,7 @@ struct RenderOptions {
 std::optional<std::string> parseRenderOptions(const std::vector<std::string>& arguments,
                                               RenderOptions& options);
 
+// Why an image of this many pixels cannot be drawn (too small, or more than fits in memory).
+std::optional<std::string> imageSizeProblem(double pixelWidth, double pixelHeight);
+
 }  // namespace corvanel::tool

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "platform/sim/InputFile.h"
+
 namespace corvanel {
 
 void AudioFileSource::Closer::operator()(sf_private_tag* file) const {
@@ -12,6 +14,8 @@ void AudioFileSource::Closer::operator()(sf_private_tag* file) const {
 
 std::variant<std::unique_ptr<AudioFileSource>, std::string> AudioFileSource::open(
     const std::string& path) {
+    if (const auto reason = unsuitableInputReason(path))
+        return "Cannot read the audio file \"" + path + "\": " + *reason + ".";
     SF_INFO info{};
     std::unique_ptr<sf_private_tag, Closer> file(sf_open(path.c_str(), SFM_READ, &info));
     if (!file) {

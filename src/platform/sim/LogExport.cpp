@@ -4,11 +4,16 @@
 #include <chrono>
 #include <cstring>
 #include <fstream>
+#include <limits>
 
+#include "platform/sim/InputFile.h"
 #include "platform/sim/JsonObjectReader.h"
 
 namespace corvanel {
 namespace {
+
+constexpr std::chrono::year earliestYear{1900};
+constexpr std::chrono::year endYear{2200};
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -56,6 +61,11 @@ std::variant<std::monostate, LogEntry, std::string> entryFromLine(std::string_vi
     const std::string* imagePath = object.text("processImagePath");
     if (!imagePath) return std::string("no \"processImagePath\" text");
     return LogEntry{lastPathComponent(*imagePath), *message, *time};
+}
+
+LogExportVisitor collectingInto(LogExport& result) {
+    return {[&result](LogEntry entry) { result.entries.push_back(std::move(entry)); },
+            [&result](LogExportProblem problem) { result.problems.push_back(std::move(problem)); }};
 }
 
 }  // namespace
@@ -110,32 +120,61 @@ std::optional<WallTime> parseLogTimestamp(std::string_view text) {
     }
     if (at != text.size()) return std::nullopt;
 
-    const sys_time<nanoseconds> local =
-        sys_days{date} + hours{hour} + minutes{minute} + seconds{second} + fraction;
-    return time_point_cast<WallTime::duration>(local - offset);
+    // In whole seconds first: a year such as 0000 or 9999 in nanoseconds would not fit.
+    const sys_seconds utc =
+        sys_days{date} + hours{hour} + minutes{minute} + seconds{second} - offset;
+    if (utc < sys_days{earliestYear / January / 1} || utc >= sys_days{endYear / January / 1})
+        return std::nullopt;
+    return time_point_cast<WallTime::duration>(utc) + duration_cast<WallTime::duration>(fraction);
+}
+
+void readLogExport(std::istream& input, const LogExportVisitor& visitor) {
+    std::string line(longestLogLine + 1, '\0');
+    std::size_t number = 0;
+    for (;;) {
+        input.getline(line.data(), static_cast<std::streamsize>(line.size()));
+        const auto length = static_cast<std::size_t>(input.gcount());
+        if (input.bad() || (length == 0 && input.eof())) return;
+        ++number;
+        if (input.fail() && !input.eof()) {
+            // The buffer filled before the line ended: pass over the rest of it.
+            input.clear();
+            input.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+            visitor.problem({number, "longer than " + std::to_string(longestLogLine) + " bytes"});
+            continue;
+        }
+        // gcount counts the newline that getline consumed but did not store.
+        const std::size_t stored = input.eof() ? length : length - 1;
+        auto entry = entryFromLine(std::string_view(line.data(), stored));
+        if (auto* problem = std::get_if<std::string>(&entry)) {
+            visitor.problem({number, std::move(*problem)});
+        } else if (auto* found = std::get_if<LogEntry>(&entry)) {
+            visitor.entry(std::move(*found));
+        }
+        if (input.eof()) return;
+    }
 }
 
 LogExport readLogExport(std::istream& input) {
     LogExport result;
-    std::string line;
-    std::size_t number = 0;
-    while (std::getline(input, line)) {
-        ++number;
-        auto entry = entryFromLine(line);
-        if (auto* problem = std::get_if<std::string>(&entry)) {
-            result.problems.push_back({number, std::move(*problem)});
-        } else if (auto* found = std::get_if<LogEntry>(&entry)) {
-            result.entries.push_back(std::move(*found));
-        }
-    }
+    readLogExport(input, collectingInto(result));
     return result;
 }
 
-std::variant<LogExport, std::string> loadLogExport(const std::string& path) {
+std::optional<std::string> streamLogExport(const std::string& path,
+                                           const LogExportVisitor& visitor) {
+    if (const auto reason = unsuitableInputReason(path))
+        return "cannot read " + path + ": " + *reason;
     std::ifstream file(path, std::ios::binary);
     if (!file) return "cannot open " + path + ": " + std::strerror(errno);
-    LogExport result = readLogExport(file);
+    readLogExport(file, visitor);
     if (file.bad()) return "cannot read " + path + ": " + std::strerror(errno);
+    return std::nullopt;
+}
+
+std::variant<LogExport, std::string> loadLogExport(const std::string& path) {
+    LogExport result;
+    if (auto error = streamLogExport(path, collectingInto(result))) return std::move(*error);
     return result;
 }
 

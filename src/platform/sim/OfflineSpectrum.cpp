@@ -58,7 +58,8 @@ SpectrumSnapshot OfflineSpectrum::nextTick() {
     // Every block completed by the tick arrives first, each at the moment it is complete.
     while (blockEnd(blocksDelivered_ + 1, source_->sampleRate()) <= tickTime) {
         ++blocksDelivered_;
-        executor_->advanceTo(start + blockEnd(blocksDelivered_, source_->sampleRate()));
+        // A tick due at the very moment the block completes runs after it has arrived.
+        executor_->advanceUpTo(start + blockEnd(blocksDelivered_, source_->sampleRate()));
         taps_->deliverBlock();
     }
     executor_->advanceTo(start + tickTime);

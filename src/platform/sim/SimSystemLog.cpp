@@ -25,15 +25,6 @@ void SimSystemLog::add(std::vector<LogEntry> entries) {
         entries_.push_back(std::move(entry));
 }
 
-std::variant<std::vector<LogExportProblem>, std::string> SimSystemLog::addExport(
-    const std::string& path) {
-    auto loaded = loadLogExport(path);
-    if (auto* error = std::get_if<std::string>(&loaded)) return std::move(*error);
-    LogExport& exported = std::get<LogExport>(loaded);
-    add(std::move(exported.entries));
-    return std::move(exported.problems);
-}
-
 void SimSystemLog::failWith(std::optional<std::string> description) {
     std::lock_guard lock(mutex_);
     failure_ = std::move(description);

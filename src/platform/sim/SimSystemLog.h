@@ -8,7 +8,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "platform/MainExecutor.h"
@@ -27,9 +26,6 @@ class SimSystemLog final : public SystemLog {
 
     void add(std::string process, std::string message, WallTime time);
     void add(std::vector<LogEntry> entries);
-    // Adds the entries of an exported log file (see LogExport.h); returns its malformed lines,
-    // or a message saying why the file could not be read (then nothing is added).
-    std::variant<std::vector<LogExportProblem>, std::string> addExport(const std::string& path);
     // While set, every enumeration fails with this localized description.
     void failWith(std::optional<std::string> description);
     // How many enumerations have been asked for (including failed ones).

@@ -56,7 +56,7 @@ WallTime VirtualTimeExecutor::wallNow() const {
     return wallStart_ + std::chrono::duration_cast<WallTime::duration>(now_.time_since_epoch());
 }
 
-bool VirtualTimeExecutor::runNextDueBy(MonoTime limit) {
+bool VirtualTimeExecutor::runNextDueBy(MonoTime limit, bool before) {
     Work work;
     {
         std::lock_guard lock(mutex_);
@@ -64,7 +64,8 @@ bool VirtualTimeExecutor::runNextDueBy(MonoTime limit) {
             std::min_element(queue_.begin(), queue_.end(), [](const Item& a, const Item& b) {
                 return a.due != b.due ? a.due < b.due : a.order < b.order;
             });
-        if (next == queue_.end() || next->due > limit) return false;
+        if (next == queue_.end() || next->due > limit || (before && next->due == limit))
+            return false;
         now_ = std::max(now_, next->due);
         work = std::move(next->work);
         queue_.erase(next);
@@ -84,6 +85,13 @@ void VirtualTimeExecutor::advanceBy(Seconds duration) {
 
 void VirtualTimeExecutor::advanceTo(MonoTime time) {
     while (runNextDueBy(time)) {
+    }
+    std::lock_guard lock(mutex_);
+    now_ = std::max(now_, time);
+}
+
+void VirtualTimeExecutor::advanceUpTo(MonoTime time) {
+    while (runNextDueBy(time, true)) {
     }
     std::lock_guard lock(mutex_);
     now_ = std::max(now_, time);

@@ -27,6 +27,9 @@ class VirtualTimeExecutor final : public MainExecutor {
     // Runs everything due within `duration`, in time order, moving the clock to each item's time.
     void advanceBy(Seconds duration);
     void advanceTo(MonoTime time);
+    // Runs everything due before `time` and moves the clock to it; what is due at `time` itself
+    // waits, so that something can happen at that instant first.
+    void advanceUpTo(MonoTime time);
 
     // How long (virtual) a background job takes before its result is posted back.
     void setBackgroundDuration(Seconds duration);
@@ -39,7 +42,8 @@ class VirtualTimeExecutor final : public MainExecutor {
         std::uint64_t order;
         Work work;
     };
-    bool runNextDueBy(MonoTime limit);
+    // Runs the next item due by `limit` (or before it, when `before`); false when there is none.
+    bool runNextDueBy(MonoTime limit, bool before = false);
 
     mutable std::mutex mutex_;
     std::vector<Item> queue_;
