@@ -90,6 +90,9 @@ AppWindow* MyApp::openWindow(const QString& identifier) {
         if (!window) return nullptr;
         environment_.windows->add(window);
     }
+    // show() alone leaves a minimised window in the dock or taskbar: restore it to the state it
+    // had (normal or zoomed) first, then bring it to the front with the keyboard focus.
+    window->setWindowState((window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
     window->show();
     window->raise();
     window->activateWindow();

@@ -1,0 +1,38 @@
+// The shell's windows on a real X desktop with a window manager: what offscreen drawing cannot
+// show (minimise and restore, decorations, maximise, the pointer entering from outside).
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+#include "AppLaunch.h"
+
+namespace corvanel {
+namespace {
+
+constexpr int settleMilliseconds = 5000;
+
+class WindowBehaviourTest : public ::testing::Test, protected testing::AppLaunch {
+  protected:
+    static bool settles(const std::function<bool()>& condition) {
+        return QTest::qWaitFor(condition, settleMilliseconds);
+    }
+};
+
+TEST_F(WindowBehaviourTest, OpeningAMinimisedWindowRestoresRaisesAndFocusesIt) {
+    launch();
+    for (const QString identifier : {"panel", "visualizer"}) {
+        SCOPED_TRACE(identifier.toStdString());
+        AppWindow* window = app->openWindow(identifier);
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+        window->showMinimized();
+        ASSERT_TRUE(settles([&] { return !window->windowHandle()->isExposed(); }));
+
+        EXPECT_EQ(app->openWindow(identifier), window);
+        EXPECT_TRUE(settles([&] { return window->windowHandle()->isExposed(); }));
+        EXPECT_FALSE(window->isMinimized());
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window, settleMilliseconds));
+    }
+}
+
+}  // namespace
+}  // namespace corvanel

@@ -1,0 +1,158 @@
+#include "XDesktop.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+#include <utility>
+#include <vector>
+
+extern char** environ;
+
+namespace corvanel::testing {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::seconds startTimeout{15};
+
+// Children inherit every descriptor opened without close-on-exec (the server's display pipe).
+std::optional<pid_t> spawn(const std::vector<std::string>& arguments) {
+    std::vector<char*> argv;
+    for (const std::string& argument : arguments)
+        argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    // The children's chatter stays out of the test output.
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const int failed = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (failed != 0) return std::nullopt;
+    return pid;
+}
+
+void stop(pid_t& pid) {
+    if (pid <= 0) return;
+    kill(pid, SIGTERM);
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (waitpid(pid, nullptr, WNOHANG) == 0) {
+        if (Clock::now() > deadline) {
+            kill(pid, SIGKILL);
+            waitpid(pid, nullptr, 0);
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    pid = -1;
+}
+
+// The display number the server writes once it accepts connections, or nothing on timeout.
+std::optional<std::string> readDisplayNumber(int fd) {
+    std::string number;
+    const auto deadline = Clock::now() + startTimeout;
+    while (Clock::now() < deadline) {
+        pollfd ready{fd, POLLIN, 0};
+        if (poll(&ready, 1, 100) <= 0) continue;
+        char c = 0;
+        if (read(fd, &c, 1) != 1) return std::nullopt;
+        if (c == '\n') return number.empty() ? std::nullopt : std::optional(number);
+        number.push_back(c);
+    }
+    return std::nullopt;
+}
+
+// A window manager has taken over once the root window names its supporting window.
+bool windowManagerRunning(xcb_connection_t* connection, xcb_window_t root) {
+    static constexpr char name[] = "_NET_SUPPORTING_WM_CHECK";
+    xcb_intern_atom_reply_t* atom = xcb_intern_atom_reply(
+        connection, xcb_intern_atom(connection, 0, sizeof name - 1, name), nullptr);
+    if (!atom) return false;
+    xcb_get_property_reply_t* property = xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, root, atom->atom, XCB_ATOM_WINDOW, 0, 1),
+        nullptr);
+    const bool running = property && xcb_get_property_value_length(property) > 0;
+    std::free(property);
+    std::free(atom);
+    return running;
+}
+
+bool waitForWindowManager(const std::string& display) {
+    xcb_connection_t* connection = xcb_connect(display.c_str(), nullptr);
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return false;
+    }
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    bool running = false;
+    for (const auto deadline = Clock::now() + startTimeout; !running && Clock::now() < deadline;) {
+        running = windowManagerRunning(connection, root);
+        if (!running) std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    xcb_disconnect(connection);
+    return running;
+}
+
+}  // namespace
+
+std::variant<XDesktop, std::string> XDesktop::start() {
+    XDesktop desktop;
+    std::string pattern = (std::filesystem::temp_directory_path() / "corvanel-x-XXXXXX").string();
+    if (!mkdtemp(pattern.data())) return std::string("Could not make a private runtime directory");
+    desktop.runtimeDirectory_ = pattern;
+
+    int pipe[2];
+    if (::pipe(pipe) != 0) return std::string("Could not make a pipe for the X server");
+    const auto server = spawn({"Xvfb", "-displayfd", std::to_string(pipe[1]), "-nolisten", "tcp",
+                               "-screen", "0", "1280x800x24", "-nolock"});
+    close(pipe[1]);
+    if (!server) {
+        close(pipe[0]);
+        return std::string("Could not start Xvfb (is it installed? make bootstrap installs it)");
+    }
+    desktop.server_ = *server;
+    const auto number = readDisplayNumber(pipe[0]);
+    close(pipe[0]);
+    if (!number) return std::string("Xvfb did not report a display within 15 s");
+    desktop.display_ = ":" + *number;
+
+    setenv("DISPLAY", desktop.display_.c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", desktop.runtimeDirectory_.c_str(), 1);
+    const std::string config = (desktop.runtimeDirectory_ / "config").string();
+    const auto manager = spawn({"env", "XDG_CONFIG_HOME=" + config,
+                                "XDG_CACHE_HOME=" + (desktop.runtimeDirectory_ / "cache").string(),
+                                "openbox", "--sm-disable"});
+    if (!manager) return std::string("Could not start openbox");
+    desktop.windowManager_ = *manager;
+    if (!waitForWindowManager(desktop.display_))
+        return std::string(
+            "openbox did not take over the display within 15 s (is it installed? "
+            "make bootstrap installs it)");
+    return desktop;
+}
+
+XDesktop::XDesktop(XDesktop&& other) noexcept
+    : runtimeDirectory_(std::exchange(other.runtimeDirectory_, {})),
+      display_(std::move(other.display_)),
+      server_(std::exchange(other.server_, -1)),
+      windowManager_(std::exchange(other.windowManager_, -1)) {}
+
+XDesktop::~XDesktop() {
+    stop(windowManager_);
+    stop(server_);
+    if (!runtimeDirectory_.empty()) {
+        std::error_code ignored;
+        std::filesystem::remove_all(runtimeDirectory_, ignored);
+    }
+}
+
+}  // namespace corvanel::testing
