@@ -22,6 +22,9 @@ class StatusItem {
 
     // Called on the main thread when the user clicks the item.
     std::function<void()> onActivated;
+    // Called when the user closes the item itself (a label window of our own): without it the
+    // application would run on with nothing on screen, so it quits.
+    std::function<void()> onQuitRequested;
 };
 
 }  // namespace corvanel

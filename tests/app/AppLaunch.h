@@ -25,13 +25,18 @@ struct AppLaunch {
     AppTestRig rig;
     std::unique_ptr<MyApp> app;
     RecordingStatusItem* item = nullptr;
+    // The status item the application gets, when not the recording one.
+    std::function<std::unique_ptr<StatusItem>()> makeItem;
+    int quits = 0;
 
     MyApp& launch() {
         Composition composition;
         composition.ports = rig.mac.ports();
         composition.ports.workspace = rig.workspace;
         composition.windowChrome = FramelessWindowChrome::factory();
+        composition.quit = [this] { ++quits; };
         composition.makeStatusItem = [this] {
+            if (makeItem) return StatusItemChoice{makeItem(), Seconds{0}};
             auto made = std::make_unique<RecordingStatusItem>();
             item = made.get();
             return StatusItemChoice{std::move(made), Seconds{0}};

@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "AppLaunch.h"
+#include "app/WindowStatusItem.h"
 
 namespace corvanel {
 namespace {
@@ -32,6 +33,23 @@ TEST_F(WindowBehaviourTest, OpeningAMinimisedWindowRestoresRaisesAndFocusesIt) {
         EXPECT_FALSE(window->isMinimized());
         EXPECT_TRUE(QTest::qWaitForWindowActive(window, settleMilliseconds));
     }
+}
+
+TEST_F(WindowBehaviourTest, TheLabelWindowHasNoCloseButtonAndClosingItAnywayQuits) {
+    makeItem = [] { return std::make_unique<WindowStatusItem>(); };
+    launch();
+    QWidget& label = static_cast<WindowStatusItem&>(app->statusItem()).window();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&label));
+    // The window manager drew no title bar (and so no close button) around it.
+    EXPECT_TRUE(settles([&] { return label.frameGeometry() == label.geometry(); }))
+        << "frame " << label.frameGeometry().height() << " px high around "
+        << label.geometry().height() << " px";
+    EXPECT_TRUE(label.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+
+    EXPECT_EQ(quits, 0);
+    // What a window manager's close shortcut sends.
+    label.windowHandle()->close();
+    EXPECT_EQ(quits, 1);
 }
 
 }  // namespace
