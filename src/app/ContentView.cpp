@@ -74,11 +74,12 @@ QWidget* column(ShrinkingLabel*& value, ShrinkingLabel*& caption, QWidget* paren
 ContentView::ContentView(AppEnvironment environment, QWidget* parent)
     : QWidget(parent), environment_(std::move(environment)) {
     setObjectName("contentView");
+    // Fixed width, height from the rows. A layout size constraint would override the fixed
+    // width with the rows' own minimum (330 px) once laid out.
     setFixedWidth(contentWidth);
     auto stack = new QVBoxLayout(this);
     stack->setContentsMargins(padding, padding, padding, padding);
     stack->setSpacing(rowSpacing);
-    stack->setSizeConstraint(QLayout::SetMinAndMaxSize);
 
     stack->addWidget(makeHeader());
     stack->addWidget(makeRatesCard());

@@ -68,6 +68,7 @@ TEST_F(MyAppTest, ClickingTheItemOpensThePopupBelowItAndTheClosingClickDoesNotRe
     item->onActivated();
     ASSERT_TRUE(app->popup().isVisible());
     EXPECT_GT(app->popup().y(), item->where.bottom());
+    QCoreApplication::processEvents();  // the layout's pass after showing
     EXPECT_EQ(app->popup().width(), ContentView::contentWidth);
 
     item->onActivated();  // the click on the item while open closes it

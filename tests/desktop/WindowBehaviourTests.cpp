@@ -5,7 +5,11 @@
 #include <QTest>
 
 #include "AppLaunch.h"
+#include "app/ContentView.h"
+#include "app/PopupWindow.h"
 #include "app/WindowStatusItem.h"
+#include "spectrum/SpectrumAnalyzer.h"
+#include "switching/SwitcherEngine.h"
 
 namespace corvanel {
 namespace {
@@ -50,6 +54,36 @@ TEST_F(WindowBehaviourTest, TheLabelWindowHasNoCloseButtonAndClosingItAnywayQuit
     // What a window manager's close shortcut sends.
     label.windowHandle()->close();
     EXPECT_EQ(quits, 1);
+}
+
+TEST_F(WindowBehaviourTest, ThePopupIsLaidOut340WideAndOpensInTheSamePlaceEveryTime) {
+    launch();
+    item->where = QRect(900, 0, 80, 24);
+    PopupWindow& popup = app->popup();
+    std::vector<QRect> openings;
+    for (int i = 0; i < 3; ++i) {
+        item->onActivated();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&popup));
+        QTest::qWait(100);  // the layout's own pass, after the window is shown
+        openings.push_back(popup.geometry());
+        popup.hide();
+        QTest::qWait(PopupWindow::reopenGuardMilliseconds + 20);
+    }
+    EXPECT_EQ(openings[0].width(), 340);
+    // Centred below the item: 940 - 340 / 2.
+    EXPECT_EQ(openings[0].x(), 770);
+    EXPECT_EQ(openings[1], openings[0]);
+    EXPECT_EQ(openings[2], openings[0]);
+
+    // Rows that come and go change the height only.
+    item->onActivated();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&popup));
+    const int before = popup.height();
+    app->environment().engine->spectrum()->setMenuBarEnabled(
+        !app->environment().engine->spectrum()->menuBarEnabled());
+    EXPECT_TRUE(settles([&] { return popup.height() != before; }));
+    EXPECT_EQ(popup.width(), 340);
+    popup.hide();
 }
 
 }  // namespace
