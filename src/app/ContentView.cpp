@@ -111,9 +111,11 @@ ContentView::ContentView(AppEnvironment environment, QWidget* parent)
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(2);
     for (std::size_t i = 0; i < activityRows; ++i) {
-        QLabel* line = makeLabel({}, style::monospacedSmall(), style::secondary(), activity);
+        // A line too long for the popup ends in an ellipsis; its tooltip has all of it.
+        auto line = new ShrinkingLabel(style::monospacedSmall(), 1.0, activity);
+        line->setColor(style::secondary());
+        line->setAlignment(Qt::AlignLeft);
         line->setObjectName(QStringLiteral("activityLine%1").arg(i));
-        line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         lines->addWidget(line);
         activity_.push_back(line);
     }

@@ -180,7 +180,31 @@ TEST_F(ContentViewTest, OnlyTheSixNewestActivityLinesAreListed) {
         const std::string name = "activityLine" + std::to_string(i);
         EXPECT_EQ(text(name.c_str()).toStdString(), rig.engine->activity()[i]);
     }
-    EXPECT_EQ(view->findChildren<QLabel*>(QRegularExpression("^activityLine")).size(), 6);
+    EXPECT_EQ(view->findChildren<QWidget*>(QRegularExpression("^activityLine")).size(), 6);
+}
+
+TEST_F(ContentViewTest, ALongActivityLineEndsInAnEllipsisAndItsTooltipHasAllOfIt) {
+    open();
+    rig.play("96000", "4608", "Apple Lossless audio file from a very long album title",
+             audioCapabilitiesMessage(96, 24));
+    rig.mac.executor->advanceBy(1s);
+    QCoreApplication::processEvents();
+    const ShrinkingLabel* line = nullptr;
+    const ShrinkingLabel* shortLine = nullptr;
+    for (const auto* each : view->findChildren<ShrinkingLabel*>(QRegularExpression("^activity"))) {
+        if (each->text().contains("(Apple Lossless audio file from a very long album title)"))
+            line = each;
+        if (each->text().endsWith("96 kHz")) shortLine = each;
+    }
+    ASSERT_NE(line, nullptr);
+    ASSERT_NE(shortLine, nullptr);
+    const QString shown = line->shownText();
+    EXPECT_TRUE(shown.endsWith(QChar(0x2026))) << shown.toStdString();
+    EXPECT_LE(QFontMetrics(line->font()).horizontalAdvance(shown), line->width());
+    EXPECT_GT(line->width(), 250);  // the popup's width, not a sliver
+    EXPECT_EQ(line->toolTip(), line->text());
+    // A line that fits is shown whole.
+    EXPECT_EQ(shortLine->shownText(), shortLine->text());
 }
 
 TEST_F(ContentViewTest, FooterAndHeaderActions) {
