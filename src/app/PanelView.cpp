@@ -1,6 +1,7 @@
 #include "app/PanelView.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -212,19 +213,46 @@ void PanelView::resizePanel(const QString& oldStyle, const QString& newStyle) {
         applyMinimumSize(to);
         return;
     }
+    if (window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) {
+        // A zoomed window keeps the screen's size; the new height is for its normal size, once
+        // it is restored. Moving its frame now would unzoom it and lose that size.
+        applyMinimumSize(to);
+        heightOnRestore_ = to;
+        window->installEventFilter(this);
+        return;
+    }
+    bringToGroupHeight(*window, to, true);
+}
+
+void PanelView::bringToGroupHeight(AppWindow& window, PanelHeightGroup to, bool animated) {
     // The whole window is content under the hidden title bar: its height is the content height.
-    const QRect frame = window->geometry();
-    const int delta = contentHeight(to) - frame.height();
-    const QRect target(frame.x(), frame.y(), frame.width(), frame.height() + delta);
+    // Only the size changes, so the top edge stays where the window manager has it.
+    const QSize target(window.width(), contentHeight(to));
     if (to == PanelHeightGroup::compact) applyMinimumSize(to);
     if (resizeAnimation_) resizeAnimation_->stop();
-    auto animation = new QPropertyAnimation(window, "geometry", window);
+    if (!animated) {
+        window.resize(target);
+        applyMinimumSize(to);
+        return;
+    }
+    auto animation = new QPropertyAnimation(&window, "size", &window);
     animation->setDuration(resizeAnimationMilliseconds);
-    animation->setStartValue(frame);
+    animation->setStartValue(window.size());
     animation->setEndValue(target);
     connect(animation, &QPropertyAnimation::finished, this, [this, to] { applyMinimumSize(to); });
     resizeAnimation_ = animation;
     animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+bool PanelView::eventFilter(QObject* watched, QEvent* event) {
+    // The first size the restored window gets is its normal one: bring that to the group chosen
+    // while it was zoomed, at once (an animation still running would unzoom a window zoomed
+    // again straight away).
+    AppWindow* window = panelWindow();
+    if (heightOnRestore_ && window && watched == window && event->type() == QEvent::Resize &&
+        !(window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)))
+        bringToGroupHeight(*window, *std::exchange(heightOnRestore_, std::nullopt), false);
+    return QWidget::eventFilter(watched, event);
 }
 
 void PanelView::setWindowControls(bool visible) {

@@ -2,10 +2,12 @@
 // show (minimise and restore, decorations, maximise, the pointer entering from outside).
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QTest>
 
 #include "AppLaunch.h"
 #include "app/ContentView.h"
+#include "app/PanelView.h"
 #include "app/PopupWindow.h"
 #include "app/WindowStatusItem.h"
 #include "spectrum/SpectrumAnalyzer.h"
@@ -84,6 +86,33 @@ TEST_F(WindowBehaviourTest, ThePopupIsLaidOut340WideAndOpensInTheSamePlaceEveryT
     EXPECT_TRUE(settles([&] { return popup.height() != before; }));
     EXPECT_EQ(popup.width(), 340);
     popup.hide();
+}
+
+TEST_F(WindowBehaviourTest, AStyleChangeWhileZoomedLeavesTheZoomAndResizesTheNormalWindow) {
+    launch();
+    AppWindow* window = app->openWindow("panel");
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    window->setGeometry(200, 150, 500, 300);
+    ASSERT_TRUE(settles([&] { return window->geometry() == QRect(200, 150, 500, 300); }));
+    auto* panel = static_cast<PanelView*>(window->content());
+
+    const auto zoomAndChoose = [&](const QString& style) {
+        window->findChild<QAbstractButton*>("zoomButton")->click();
+        ASSERT_TRUE(settles([&] { return window->isMaximized() && window->width() > 1000; }));
+        const QRect zoomed = window->geometry();
+        panel->chooseStyle(style);
+        QTest::qWait(PanelView::resizeAnimationMilliseconds + 100);
+        EXPECT_EQ(window->geometry(), zoomed);
+        EXPECT_TRUE(window->isMaximized());
+        window->findChild<QAbstractButton*>("zoomButton")->click();
+    };
+
+    zoomAndChoose("ledrack");
+    EXPECT_TRUE(settles([&] { return window->geometry() == QRect(200, 150, 500, 560); }))
+        << "restored to " << window->geometry().width() << " x " << window->geometry().height();
+    zoomAndChoose("vu");
+    EXPECT_TRUE(settles([&] { return window->geometry() == QRect(200, 150, 500, 300); }))
+        << "restored to " << window->geometry().width() << " x " << window->geometry().height();
 }
 
 }  // namespace
