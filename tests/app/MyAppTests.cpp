@@ -2,6 +2,9 @@
 // item's popup and label, and meter-window counting through the real windows.
 #include <gtest/gtest.h>
 
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTest>
 
 #include "AppLaunch.h"
@@ -100,6 +103,29 @@ TEST_F(MyAppTest, TheLabelFollowsTheTitleAndTheLiveImageChoice) {
     EXPECT_GT(item->images.size(), before);
     EXPECT_EQ(app->label().image(), meters::SpectrumBarsView::menuBarImage(
                                         QString::fromUtf8("96 kHz"), engine->spectrum()->levels()));
+}
+
+TEST_F(MyAppTest, WithoutTheItemsPlaceThePopupOpensAtTheTopRightOrAtTheClick) {
+    launch();
+    PopupWindow& popup = app->popup();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    // `--open popup` at start, before the tray has embedded its icon: (0, 0, 22, 22).
+    for (const QRect& unknown : {QRect(0, 0, 22, 22), QRect()}) {
+        popup.openBelow(unknown);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(popup.geometry().right(), screen.right());
+        EXPECT_LT(popup.y() - screen.top(), 10);
+        popup.hide();
+    }
+    // A click on an item whose place the tray does not report: the pointer is on it.
+    QTest::qWait(PopupWindow::reopenGuardMilliseconds + 50);
+    QCursor::setPos(screen.center());
+    item->where = QRect();
+    item->onActivated();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(popup.geometry().center().x(), screen.center().x());
+    EXPECT_GT(popup.y(), screen.center().y());
+    popup.hide();
 }
 
 TEST(PopupPlacementTest, BelowTheItemCentredAndKeptOnTheScreen) {
