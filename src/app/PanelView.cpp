@@ -245,6 +245,8 @@ void PanelView::bringToGroupHeight(AppWindow& window, PanelHeightGroup to, bool 
 }
 
 bool PanelView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == this->window() && event->type() == QEvent::Enter) handleHover(true);
+    if (watched == this->window() && event->type() == QEvent::Leave) handleHover(false);
     // The first size the restored window gets is its normal one: bring that to the group chosen
     // while it was zoomed, at once (an animation still running would unzoom a window zoomed
     // again straight away).
@@ -290,21 +292,14 @@ void PanelView::showEvent(QShowEvent* event) {
     if (appeared_) return;
     appeared_ = true;
     environment_.engine->spectrum()->meterWindowAppeared();
+    // Hover is tracked for the whole window: the window buttons are a row above this view, and
+    // a pointer arriving straight on them never enters the view.
+    window()->installEventFilter(this);
     // Hidden on the next turn, not inside the appear handler, once the window has its buttons.
     QPointer<PanelView> self(this);
     environment_.executor->post([self] {
         if (self) self->setWindowControls(false);
     });
-}
-
-void PanelView::enterEvent(QEnterEvent* event) {
-    QWidget::enterEvent(event);
-    handleHover(true);
-}
-
-void PanelView::leaveEvent(QEvent* event) {
-    QWidget::leaveEvent(event);
-    handleHover(false);
 }
 
 }  // namespace corvanel

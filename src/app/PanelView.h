@@ -62,8 +62,6 @@ class PanelView final : public QWidget {
 
   protected:
     void showEvent(QShowEvent* event) override;
-    void enterEvent(QEnterEvent* event) override;
-    void leaveEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QCursor>
 #include <QTest>
 
 #include "AppLaunch.h"
@@ -113,6 +114,29 @@ TEST_F(WindowBehaviourTest, AStyleChangeWhileZoomedLeavesTheZoomAndResizesTheNor
     zoomAndChoose("vu");
     EXPECT_TRUE(settles([&] { return window->geometry() == QRect(200, 150, 500, 300); }))
         << "restored to " << window->geometry().width() << " x " << window->geometry().height();
+}
+
+TEST_F(WindowBehaviourTest, ThePointerArrivingStraightOnTheWindowButtonsShowsThem) {
+    launch();
+    AppWindow* window = app->openWindow("panel");
+    window->setGeometry(200, 150, 500, 300);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    QCursor::setPos(900, 700);
+    // The pointer itself drives the hide task here, in real time.
+    ASSERT_TRUE(settles([&] {
+        rig.mac.executor->runUntilIdle();
+        return !window->chrome().windowButtonsVisible();
+    }));
+
+    const auto* close = window->findChild<QWidget*>("closeButton");
+    QCursor::setPos(close->mapToGlobal(close->rect().center()));
+    EXPECT_TRUE(settles([&] { return window->chrome().windowButtonsVisible(); }));
+
+    QCursor::setPos(900, 700);
+    EXPECT_TRUE(settles([&] {
+        rig.mac.executor->advanceBy(std::chrono::milliseconds(250));
+        return !window->chrome().windowButtonsVisible();
+    }));
 }
 
 }  // namespace

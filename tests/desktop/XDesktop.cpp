@@ -8,7 +8,9 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <thread>
@@ -86,18 +88,51 @@ bool windowManagerRunning(xcb_connection_t* connection, xcb_window_t root) {
     return running;
 }
 
+// The manager announces itself before it takes over the mapping of windows; it has once a probe
+// window that asks to be mapped is reparented into its frame within `patience`.
+bool probeWindowManaged(xcb_connection_t* connection, const xcb_screen_t& screen,
+                        Clock::time_point deadline) {
+    constexpr std::chrono::milliseconds patience{500};
+    deadline = std::min(deadline, Clock::now() + patience);
+    const xcb_window_t probe = xcb_generate_id(connection);
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, probe, screen.root, 0, 0, 10, 10, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen.root_visual, XCB_CW_EVENT_MASK,
+                      &events);
+    xcb_map_window(connection, probe);
+    xcb_flush(connection);
+    bool managed = false;
+    while (!managed && Clock::now() < deadline) {
+        xcb_generic_event_t* event = xcb_poll_for_event(connection);
+        if (!event) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            continue;
+        }
+        managed = (event->response_type & 0x7f) == XCB_REPARENT_NOTIFY;
+        std::free(event);
+    }
+    xcb_destroy_window(connection, probe);
+    xcb_flush(connection);
+    return managed;
+}
+
 bool waitForWindowManager(const std::string& display) {
     xcb_connection_t* connection = xcb_connect(display.c_str(), nullptr);
     if (xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
         return false;
     }
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(connection)).data;
+    const auto deadline = Clock::now() + startTimeout;
     bool running = false;
-    for (const auto deadline = Clock::now() + startTimeout; !running && Clock::now() < deadline;) {
-        running = windowManagerRunning(connection, root);
+    while (!running && Clock::now() < deadline) {
+        running = windowManagerRunning(connection, screen.root);
         if (!running) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
+    bool managed = false;
+    while (running && !managed && Clock::now() < deadline)
+        managed = probeWindowManaged(connection, screen, deadline);
+    running = managed;
     xcb_disconnect(connection);
     return running;
 }
