@@ -1,5 +1,6 @@
 #include "app/ContentView.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -136,7 +137,10 @@ QWidget* ContentView::makeHeader() {
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(6);
     auto symbol = new QLabel(header);
-    symbol->setPixmap(symbolPixmap(Symbol::waveform, style::accent(), 16));
+    symbol->setObjectName("headerSymbol");
+    // Drawn for the screen's own pixel ratio: a sharper drawing scaled down smears the strokes.
+    symbol->setPixmap(
+        symbolPixmap(Symbol::waveform, style::accent(), 16, qApp->devicePixelRatio()));
     row->addWidget(symbol);
     row->addWidget(
         makeLabel("Corvanel", style::headline(), palette().color(QPalette::WindowText), header));

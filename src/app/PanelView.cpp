@@ -108,6 +108,11 @@ QWidget* PanelView::makeHeader() {
             .arg(style::secondary().name()));
 
     menu_ = new QMenu(menuButton_);
+    // The shell's own face, and separators that show on the dark menu.
+    menu_->setFont(style::callout());
+    menu_->setStyleSheet(
+        QStringLiteral("QMenu::separator{height:1px;background:%1;margin:4px 6px;}")
+            .arg(style::secondary().name()));
     for (const PanelMeterStyle meterStyle : PanelMeterStyle::allCases()) {
         const QString raw = QString::fromUtf8(meterStyle.rawValue());
         QAction* action = menu_->addAction(QString::fromUtf8(meterStyle.title()));

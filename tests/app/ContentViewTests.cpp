@@ -207,6 +207,26 @@ TEST_F(ContentViewTest, ALongActivityLineEndsInAnEllipsisAndItsTooltipHasAllOfIt
     EXPECT_EQ(shortLine->shownText(), shortLine->text());
 }
 
+TEST_F(ContentViewTest, TheHeaderWaveformKeepsItsStrokesApartAtOnePixelPerPoint) {
+    open();
+    ASSERT_EQ(qApp->devicePixelRatio(), 1.0);
+    QWidget* symbol = view->findChild<QWidget*>("headerSymbol");
+    ASSERT_NE(symbol, nullptr);
+    QImage shown(symbol->size(), QImage::Format_ARGB32_Premultiplied);
+    shown.fill(Qt::white);
+    symbol->render(&shown);
+    // Across the middle, each stroke is a run of ink with white between runs.
+    int strokes = 0;
+    bool inInk = false;
+    for (int x = 0; x < shown.width(); ++x) {
+        const int lightness = shown.pixelColor(x, shown.height() / 2).lightness();
+        if (!inInk && lightness < 190) ++strokes;
+        if (lightness < 190) inInk = true;
+        if (lightness > 225) inInk = false;
+    }
+    EXPECT_GE(strokes, 5);
+}
+
 TEST_F(ContentViewTest, FooterAndHeaderActions) {
     rig.workspace->hasApplications = true;
     open();

@@ -8,6 +8,7 @@
 #include <QTest>
 
 #include "AppTestRig.h"
+#include "app/AppStyle.h"
 #include "app/FramelessWindowChrome.h"
 #include "app/PanelView.h"
 #include "spectrum/SpectrumAnalyzer.h"
@@ -109,6 +110,26 @@ TEST_F(PanelViewTest, TheMenuListsTheStylesThenTheVisualizerThenAlwaysOnTop) {
                                    "Candlelight Visualizer", "-", "Always on top"}));
     styleAction("Candlelight Visualizer", panel)->trigger();
     EXPECT_EQ(rig.openedWindows, std::vector<QString>{"visualizer"});
+}
+
+TEST_F(PanelViewTest, TheMenuUsesTheShellsFaceAndItsSeparatorsShow) {
+    PanelView& panel = openPanel();
+    QMenu& menu = panel.styleMenu();
+    EXPECT_EQ(menu.font().family(), style::callout().family());
+    menu.setPalette(style::darkPalette());  // as the application runs
+    menu.adjustSize();
+    const QImage shown = menu.grab().toImage();
+    for (QAction* action : menu.actions()) {
+        if (!action->isSeparator()) continue;
+        const QRect line = menu.actionGeometry(action);
+        const QColor background = shown.pixelColor(line.center().x(), line.top() - 2);
+        int strongest = 0;
+        for (int y = line.top(); y <= line.bottom(); ++y)
+            strongest =
+                std::max(strongest, std::abs(shown.pixelColor(line.center().x(), y).lightness() -
+                                             background.lightness()));
+        EXPECT_GE(strongest, 60) << "separator at y " << line.y();
+    }
 }
 
 TEST_F(PanelViewTest, AlwaysOnTopIsStoredAndAppliedToTheWindow) {

@@ -5,11 +5,13 @@
 #include <QAbstractButton>
 #include <QCursor>
 #include <QTest>
+#include <algorithm>
 
 #include "AppLaunch.h"
 #include "app/ContentView.h"
 #include "app/PanelView.h"
 #include "app/PopupWindow.h"
+#include "app/WindowButton.h"
 #include "app/WindowStatusItem.h"
 #include "spectrum/SpectrumAnalyzer.h"
 #include "switching/SwitcherEngine.h"
@@ -131,12 +133,20 @@ TEST_F(WindowBehaviourTest, ThePointerArrivingStraightOnTheWindowButtonsShowsThe
     const auto* close = window->findChild<QWidget*>("closeButton");
     QCursor::setPos(close->mapToGlobal(close->rect().center()));
     EXPECT_TRUE(settles([&] { return window->chrome().windowButtonsVisible(); }));
+    // Over one button, all three show their symbols.
+    const auto buttons = window->findChildren<WindowButton*>();
+    ASSERT_EQ(buttons.size(), 3);
+    EXPECT_TRUE(settles([&] {
+        return std::all_of(buttons.begin(), buttons.end(),
+                           [](const WindowButton* button) { return button->glyphShown(); });
+    }));
 
     QCursor::setPos(900, 700);
     EXPECT_TRUE(settles([&] {
         rig.mac.executor->advanceBy(std::chrono::milliseconds(250));
         return !window->chrome().windowButtonsVisible();
     }));
+    EXPECT_TRUE(settles([&] { return !buttons[1]->glyphShown(); }));
 }
 
 }  // namespace
