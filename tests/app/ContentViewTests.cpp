@@ -119,28 +119,46 @@ TEST_F(ContentViewTest, ARateButtonSetsThatRateOnTheDeviceAndTheHighlightFollows
     EXPECT_EQ(highlightedRates(), QStringList{"48"});
 }
 
-TEST_F(ContentViewTest, TogglesWriteTheirSettingsAndThePrivacyNoteFollowsTheLiveImage) {
+TEST_F(ContentViewTest, EachToggleChangesItsOwnSettingAndNoOther) {
     rig.mac.settings->preset("spectrumEnabled", true);
     open();
     EXPECT_TRUE(shown("privacyNote"));
-    EXPECT_TRUE(view->findChild<ToggleSwitch*>("autoSwitchToggle")->isChecked());
-    EXPECT_FALSE(view->findChild<ToggleSwitch*>("pauseToggle")->isChecked());
-
-    click("autoSwitchToggle");
-    click("pauseToggle");
-    click("liveEQToggle");
-    click("launchAtLoginToggle");
+    const SwitcherEngine& engine = *rig.engine;
+    const auto settings = [&] {
+        return std::array<bool, 4>{engine.autoSwitchEnabled(), engine.pauseDuringSwitch(),
+                                   engine.launchAtLogin(), engine.spectrum()->menuBarEnabled()};
+    };
+    const std::array<const char*, 4> toggles{"autoSwitchToggle", "pauseToggle",
+                                             "launchAtLoginToggle", "liveEQToggle"};
+    for (std::size_t flipped = 0; flipped < toggles.size(); ++flipped) {
+        SCOPED_TRACE(toggles[flipped]);
+        const auto before = settings();
+        EXPECT_EQ(view->findChild<ToggleSwitch*>(toggles[flipped])->isChecked(), before[flipped]);
+        click(toggles[flipped]);
+        const auto after = settings();
+        for (std::size_t i = 0; i < toggles.size(); ++i)
+            EXPECT_EQ(after[i], i == flipped ? !before[i] : before[i]) << toggles[i];
+        EXPECT_EQ(view->findChild<ToggleSwitch*>(toggles[flipped])->isChecked(), after[flipped]);
+    }
     using Write = std::pair<std::string, StoredSettingValue>;
-    const auto writes = rig.mac.settings->writes();
-    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"autoSwitchEnabled", false}),
-              writes.end());
-    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"pauseDuringSwitch", true}),
-              writes.end());
-    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"spectrumEnabled", false}),
-              writes.end());
+    EXPECT_EQ(rig.mac.settings->writes(), (std::vector<Write>{{"autoSwitchEnabled", false},
+                                                              {"pauseDuringSwitch", true},
+                                                              {"spectrumEnabled", false}}));
     EXPECT_EQ(rig.mac.loginItems->calls(), std::vector<std::string>{"register"});
     EXPECT_FALSE(shown("privacyNote"));
     EXPECT_FALSE(rig.engine->spectrum()->isCapturing());
+}
+
+TEST_F(ContentViewTest, ScanNowReadsTheLastHalfHourOfTheLog) {
+    rig.mac.music->setRunning(false);
+    open();
+    ASSERT_EQ(text("detectedSource"), "No track detected");
+    // Found by a scan of 1800 s, missed by one of 180 s or 600 s.
+    rig.mac.log->add("Music", audioCapabilitiesMessage(88.2, 24),
+                     rig.mac.executor->wallNow() - std::chrono::seconds(1500));
+    click("scanNowButton");
+    rig.mac.executor->advanceBy(1s);
+    EXPECT_EQ(text("detectedText"), QString::fromUtf8("88.2 kHz \u00b7 24-bit"));
 }
 
 TEST_F(ContentViewTest, TheCaptureMessageShowsWhileCaptureFailsAndGoesWhenItStops) {

@@ -21,6 +21,8 @@ class MyAppTest : public ::testing::Test, protected testing::AppLaunch {};
 
 TEST_F(MyAppTest, ThePanelFloatsUnlessTheStoredChoiceSaysOtherwise) {
     launch();
+    // The newest copy asks older ones to quit, once, as it starts.
+    EXPECT_EQ(rig.workspace->olderCopiesAskedToQuit, 1);
     AppWindow* panel = app->openWindow("panel");
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->windowTitle(), "Corvanel");

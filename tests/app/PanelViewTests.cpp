@@ -11,6 +11,8 @@
 #include "app/AppStyle.h"
 #include "app/FramelessWindowChrome.h"
 #include "app/PanelView.h"
+#include "app/ShrinkingLabel.h"
+#include "platform/sim/DemoPlaylist.h"
 #include "spectrum/SpectrumAnalyzer.h"
 
 namespace corvanel {
@@ -72,6 +74,24 @@ TEST_F(PanelViewTest, MovingBetweenGroupsResizesWithTheTopEdgeFixed) {
     ASSERT_TRUE(settlesAtHeight(300));
     EXPECT_EQ(window().geometry(), QRect(100, 120, 500, 300));
     EXPECT_EQ(rig.mac.settings->read("panelMeterStyle"), SettingValue(std::string("bars")));
+}
+
+TEST_F(PanelViewTest, TheSummaryRowShowsTheDetectionAndTheDevice) {
+    PanelView& panel = openPanel();
+    const auto text = [&](const char* name) {
+        const auto* label = panel.findChild<ShrinkingLabel*>(name);
+        return label ? label->text() : QStringLiteral("(no %1)").arg(name);
+    };
+    EXPECT_EQ(text("summaryDetectedText"), QString::fromUtf8("\u2014"));
+    EXPECT_EQ(text("summaryDetectedSource"), "No track detected");
+    EXPECT_EQ(text("summaryDeviceText"), QString::fromUtf8("48 kHz \u00b7 32-bit"));
+    EXPECT_EQ(text("summaryDeviceName"), "Corvanel Demo DAC");
+
+    rig.play("96000", "4608", "Apple Lossless audio file", audioCapabilitiesMessage(96, 24));
+    rig.mac.executor->advanceBy(1s);
+    EXPECT_EQ(text("summaryDetectedText"), QString::fromUtf8("96 kHz \u00b7 24-bit"));
+    EXPECT_EQ(text("summaryDetectedSource"), "Apple Lossless audio file");
+    EXPECT_EQ(text("summaryDeviceText"), QString::fromUtf8("96 kHz \u00b7 32-bit"));
 }
 
 TEST_F(PanelViewTest, AnUnknownStoredStyleIsCompactAndStaysUntilTheUserPicks) {
