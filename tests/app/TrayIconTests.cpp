@@ -104,11 +104,5 @@ TEST_F(TrayIconTest, TheIconTakesTheDesktopPalettesTextColourAndItsBarsFollowThe
     EXPECT_GT(digitsAlone.height(), 30);
 }
 
-TEST(TrayRateTextTest, TheRateOfTheTitleOrTheTitleItself) {
-    EXPECT_EQ(trayRateText(QString::fromUtf8("44.1 kHz \u00b7 24-bit")), "44.1");
-    EXPECT_EQ(trayRateText("96 kHz"), "96");
-    EXPECT_EQ(trayRateText(QString::fromUtf8("\u2013")), QString::fromUtf8("\u2013"));
-}
-
 }  // namespace
 }  // namespace corvanel
