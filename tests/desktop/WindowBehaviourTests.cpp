@@ -123,6 +123,8 @@ TEST_F(WindowBehaviourTest, ThePointerArrivingStraightOnTheWindowButtonsShowsThe
     AppWindow* window = app->openWindow("panel");
     window->setGeometry(200, 150, 500, 300);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    // Where the window manager has put it, before aiming at its buttons.
+    ASSERT_TRUE(settles([&] { return window->geometry() == QRect(200, 150, 500, 300); }));
     QCursor::setPos(900, 700);
     // The pointer itself drives the hide task here, in real time.
     ASSERT_TRUE(settles([&] {

@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -17,29 +17,32 @@
 #include <utility>
 #include <vector>
 
-extern char** environ;
-
 namespace corvanel::testing {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds startTimeout{15};
 
-// Children inherit every descriptor opened without close-on-exec (the server's display pipe).
+// Children inherit every descriptor opened without close-on-exec (the server's display pipe),
+// and are stopped by the kernel should this process die without stopping them itself.
 std::optional<pid_t> spawn(const std::vector<std::string>& arguments) {
     std::vector<char*> argv;
     for (const std::string& argument : arguments)
         argv.push_back(const_cast<char*>(argument.c_str()));
     argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    // The children's chatter stays out of the test output.
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const int failed = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (failed != 0) return std::nullopt;
+    const pid_t parent = getpid();
+    const pid_t pid = fork();
+    if (pid < 0) return std::nullopt;
+    if (pid == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        if (getppid() != parent) _exit(127);
+        // The children's chatter stays out of the test output.
+        const int quiet = open("/dev/null", O_WRONLY);
+        dup2(quiet, STDOUT_FILENO);
+        dup2(quiet, STDERR_FILENO);
+        execvp(argv[0], argv.data());
+        _exit(127);
+    }
     return pid;
 }
 
@@ -152,12 +155,15 @@ std::variant<XDesktop, std::string> XDesktop::start() {
     close(pipe[1]);
     if (!server) {
         close(pipe[0]);
-        return std::string("Could not start Xvfb (is it installed? make bootstrap installs it)");
+        return std::string("Could not start a process for Xvfb");
     }
     desktop.server_ = *server;
     const auto number = readDisplayNumber(pipe[0]);
     close(pipe[0]);
-    if (!number) return std::string("Xvfb did not report a display within 15 s");
+    if (!number)
+        return std::string(
+            "Xvfb did not report a display within 15 s (is it installed? make "
+            "bootstrap installs it)");
     desktop.display_ = ":" + *number;
 
     setenv("DISPLAY", desktop.display_.c_str(), 1);
@@ -166,7 +172,7 @@ std::variant<XDesktop, std::string> XDesktop::start() {
     const auto manager = spawn({"env", "XDG_CONFIG_HOME=" + config,
                                 "XDG_CACHE_HOME=" + (desktop.runtimeDirectory_ / "cache").string(),
                                 "openbox", "--sm-disable"});
-    if (!manager) return std::string("Could not start openbox");
+    if (!manager) return std::string("Could not start a process for openbox");
     desktop.windowManager_ = *manager;
     if (!waitForWindowManager(desktop.display_))
         return std::string(
