@@ -1,5 +1,6 @@
 #include "app/ContentView.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -74,11 +75,12 @@ QWidget* column(ShrinkingLabel*& value, ShrinkingLabel*& caption, QWidget* paren
 ContentView::ContentView(AppEnvironment environment, QWidget* parent)
     : QWidget(parent), environment_(std::move(environment)) {
     setObjectName("contentView");
+    // Fixed width, height from the rows. A layout size constraint would override the fixed
+    // width with the rows' own minimum (330 px) once laid out.
     setFixedWidth(contentWidth);
     auto stack = new QVBoxLayout(this);
     stack->setContentsMargins(padding, padding, padding, padding);
     stack->setSpacing(rowSpacing);
-    stack->setSizeConstraint(QLayout::SetMinAndMaxSize);
 
     stack->addWidget(makeHeader());
     stack->addWidget(makeRatesCard());
@@ -110,9 +112,11 @@ ContentView::ContentView(AppEnvironment environment, QWidget* parent)
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(2);
     for (std::size_t i = 0; i < activityRows; ++i) {
-        QLabel* line = makeLabel({}, style::monospacedSmall(), style::secondary(), activity);
+        // A line too long for the popup ends in an ellipsis; its tooltip has all of it.
+        auto line = new ShrinkingLabel(style::monospacedSmall(), 1.0, activity);
+        line->setColor(style::secondary());
+        line->setAlignment(Qt::AlignLeft);
         line->setObjectName(QStringLiteral("activityLine%1").arg(i));
-        line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         lines->addWidget(line);
         activity_.push_back(line);
     }
@@ -133,7 +137,10 @@ QWidget* ContentView::makeHeader() {
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(6);
     auto symbol = new QLabel(header);
-    symbol->setPixmap(symbolPixmap(Symbol::waveform, style::accent(), 16));
+    symbol->setObjectName("headerSymbol");
+    // Drawn for the screen's own pixel ratio: a sharper drawing scaled down smears the strokes.
+    symbol->setPixmap(
+        symbolPixmap(Symbol::waveform, style::accent(), 16, qApp->devicePixelRatio()));
     row->addWidget(symbol);
     row->addWidget(
         makeLabel("Corvanel", style::headline(), palette().color(QPalette::WindowText), header));

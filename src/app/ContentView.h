@@ -64,7 +64,7 @@ class ContentView final : public QWidget {
     QLabel* privacyNote_ = nullptr;
     QLabel* statusMessage_ = nullptr;
     QLabel* lastError_ = nullptr;
-    std::vector<QLabel*> activity_;
+    std::vector<ShrinkingLabel*> activity_;
 };
 
 }  // namespace corvanel

@@ -30,6 +30,7 @@ FramelessWindowChrome::FramelessWindowChrome(QWidget& window) : QObject(&window)
     connect(zoom, &QAbstractButton::clicked, &window,
             [&window] { window.isMaximized() ? window.showNormal() : window.showMaximized(); });
     buttons_ = buttons;
+    buttons->installEventFilter(this);
 
     opacity_ = new QGraphicsOpacityEffect(buttons);
     opacity_->setOpacity(1.0);
@@ -98,6 +99,12 @@ void FramelessWindowChrome::keepOnTopOfContent() {
 }
 
 bool FramelessWindowChrome::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == buttons_ && (event->type() == QEvent::Enter || event->type() == QEvent::Leave)) {
+        // Over any of the buttons, all three show their symbols.
+        for (WindowButton* button : buttons_->findChildren<WindowButton*>())
+            button->setGlyphShown(event->type() == QEvent::Enter);
+        return false;
+    }
     if (watched != &window_) return false;
     switch (event->type()) {
         case QEvent::ChildAdded:

@@ -1,6 +1,5 @@
 #include "app/MenuBarLabel.h"
 
-#include "meters/SpectrumBarsView.h"
 #include "spectrum/SpectrumAnalyzer.h"
 #include "switching/SwitcherEngine.h"
 
@@ -25,7 +24,7 @@ void MenuBarLabel::rebuild() {
     title_ = QString::fromStdString(engine_->menuBarTitle());
     std::optional<std::vector<float>> levels;
     if (spectrum.menuBarEnabled()) levels = spectrum.levels();
-    image_ = meters::SpectrumBarsView::menuBarImage(title_, levels);
+    image_ = item_.labelImage(title_, levels);
     throttle_.offer(image_);
 }
 

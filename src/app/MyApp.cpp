@@ -34,7 +34,7 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     environment_.workspace = ports.workspace;
     environment_.windows = std::make_shared<WindowList>();
     environment_.openWindow = [this](const QString& identifier) { openWindow(identifier); };
-    environment_.quit = [] { QCoreApplication::quit(); };
+    environment_.quit = composition_.quit ? composition_.quit : [] { QCoreApplication::quit(); };
     environment_.pointerPosition = [] { return QCursor::pos(); };
 
     popup_ = std::make_unique<PopupWindow>();
@@ -45,6 +45,7 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     statusItem_ = std::move(choice.item);
     labelInterval_ = choice.labelInterval;
     statusItem_->onActivated = [this] { popup_->toggle(statusItem_->geometry()); };
+    statusItem_->onQuitRequested = environment_.quit;
     label_ = std::make_unique<MenuBarLabel>(environment_.engine, *statusItem_, ports.executor,
                                             labelInterval_);
     if (auto* tray = dynamic_cast<TrayStatusItem*>(statusItem_.get()))
@@ -99,6 +100,9 @@ AppWindow* MyApp::openWindow(const QString& identifier) {
         if (!window) return nullptr;
         environment_.windows->add(window);
     }
+    // show() alone leaves a minimised window in the dock or taskbar: restore it to the state it
+    // had (normal or zoomed) first, then bring it to the front with the keyboard focus.
+    window->setWindowState((window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
     window->show();
     window->raise();
     window->activateWindow();

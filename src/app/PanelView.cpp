@@ -1,6 +1,7 @@
 #include "app/PanelView.h"
 
 #include <QAction>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -107,6 +108,11 @@ QWidget* PanelView::makeHeader() {
             .arg(style::secondary().name()));
 
     menu_ = new QMenu(menuButton_);
+    // The shell's own face, and separators that show on the dark menu.
+    menu_->setFont(style::callout());
+    menu_->setStyleSheet(
+        QStringLiteral("QMenu::separator{height:1px;background:%1;margin:4px 6px;}")
+            .arg(style::secondary().name()));
     for (const PanelMeterStyle meterStyle : PanelMeterStyle::allCases()) {
         const QString raw = QString::fromUtf8(meterStyle.rawValue());
         QAction* action = menu_->addAction(QString::fromUtf8(meterStyle.title()));
@@ -212,19 +218,48 @@ void PanelView::resizePanel(const QString& oldStyle, const QString& newStyle) {
         applyMinimumSize(to);
         return;
     }
+    if (window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) {
+        // A zoomed window keeps the screen's size; the new height is for its normal size, once
+        // it is restored. Moving its frame now would unzoom it and lose that size.
+        applyMinimumSize(to);
+        heightOnRestore_ = to;
+        window->installEventFilter(this);
+        return;
+    }
+    bringToGroupHeight(*window, to, true);
+}
+
+void PanelView::bringToGroupHeight(AppWindow& window, PanelHeightGroup to, bool animated) {
     // The whole window is content under the hidden title bar: its height is the content height.
-    const QRect frame = window->geometry();
-    const int delta = contentHeight(to) - frame.height();
-    const QRect target(frame.x(), frame.y(), frame.width(), frame.height() + delta);
+    // Only the size changes, so the top edge stays where the window manager has it.
+    const QSize target(window.width(), contentHeight(to));
     if (to == PanelHeightGroup::compact) applyMinimumSize(to);
     if (resizeAnimation_) resizeAnimation_->stop();
-    auto animation = new QPropertyAnimation(window, "geometry", window);
+    if (!animated) {
+        window.resize(target);
+        applyMinimumSize(to);
+        return;
+    }
+    auto animation = new QPropertyAnimation(&window, "size", &window);
     animation->setDuration(resizeAnimationMilliseconds);
-    animation->setStartValue(frame);
+    animation->setStartValue(window.size());
     animation->setEndValue(target);
     connect(animation, &QPropertyAnimation::finished, this, [this, to] { applyMinimumSize(to); });
     resizeAnimation_ = animation;
     animation->start(QAbstractAnimation::DeleteWhenStopped);
+}
+
+bool PanelView::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == this->window() && event->type() == QEvent::Enter) handleHover(true);
+    if (watched == this->window() && event->type() == QEvent::Leave) handleHover(false);
+    // The first size the restored window gets is its normal one: bring that to the group chosen
+    // while it was zoomed, at once (an animation still running would unzoom a window zoomed
+    // again straight away).
+    AppWindow* window = panelWindow();
+    if (heightOnRestore_ && window && watched == window && event->type() == QEvent::Resize &&
+        !(window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)))
+        bringToGroupHeight(*window, *std::exchange(heightOnRestore_, std::nullopt), false);
+    return QWidget::eventFilter(watched, event);
 }
 
 void PanelView::setWindowControls(bool visible) {
@@ -262,21 +297,14 @@ void PanelView::showEvent(QShowEvent* event) {
     if (appeared_) return;
     appeared_ = true;
     environment_.engine->spectrum()->meterWindowAppeared();
+    // Hover is tracked for the whole window: the window buttons are a row above this view, and
+    // a pointer arriving straight on them never enters the view.
+    window()->installEventFilter(this);
     // Hidden on the next turn, not inside the appear handler, once the window has its buttons.
     QPointer<PanelView> self(this);
     environment_.executor->post([self] {
         if (self) self->setWindowControls(false);
     });
-}
-
-void PanelView::enterEvent(QEnterEvent* event) {
-    QWidget::enterEvent(event);
-    handleHover(true);
-}
-
-void PanelView::leaveEvent(QEvent* event) {
-    QWidget::leaveEvent(event);
-    handleHover(false);
 }
 
 }  // namespace corvanel

@@ -62,8 +62,7 @@ class PanelView final : public QWidget {
 
   protected:
     void showEvent(QShowEvent* event) override;
-    void enterEvent(QEnterEvent* event) override;
-    void leaveEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     // What the hide task needs from the view, held weakly by the task.
@@ -79,6 +78,8 @@ class PanelView final : public QWidget {
     void refreshSummary();
     void refreshMenuChecks();
     void applyMinimumSize(PanelHeightGroup group);
+    // Brings the window to the group's content height with its top edge fixed.
+    void bringToGroupHeight(AppWindow& window, PanelHeightGroup group, bool animated);
 
     AppEnvironment environment_;
     QString meterStyle_;
@@ -94,6 +95,8 @@ class PanelView final : public QWidget {
     std::shared_ptr<HoverProbe> hoverProbe_;
     std::optional<TaskHandle> hideTask_;
     QPointer<QPropertyAnimation> resizeAnimation_;
+    // The group whose height a zoomed window takes when it is restored.
+    std::optional<PanelHeightGroup> heightOnRestore_;
     bool appeared_ = false;
 };
 

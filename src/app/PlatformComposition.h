@@ -28,6 +28,8 @@ struct Composition {
     PlatformPorts ports;
     WindowChromeFactory windowChrome;
     std::function<StatusItemChoice()> makeStatusItem;
+    // Ends the application; QCoreApplication::quit when not given.
+    std::function<void()> quit;
     // Demo mode's Music app at work; absent otherwise.
     std::shared_ptr<DemoPlayer> demo;
 };

@@ -11,6 +11,10 @@ namespace {
 
 constexpr int gapBelowItem = 4;
 
+bool isKnownPlace(const QRect& anchor) {
+    return !anchor.isEmpty() && anchor.topLeft() != QPoint(0, 0);
+}
+
 }  // namespace
 
 PopupWindow::PopupWindow() {
@@ -31,15 +35,19 @@ void PopupWindow::toggle(const QRect& anchor) {
         return;
     }
     if (sinceClosed_.isValid() && sinceClosed_.elapsed() < reopenGuardMilliseconds) return;
-    openBelow(anchor);
+    // The user just clicked the item: where the platform does not say where it is, the pointer
+    // is on it.
+    openBelow(isKnownPlace(anchor) ? anchor : QRect(QCursor::pos(), QSize(1, 1)));
 }
 
 void PopupWindow::openBelow(const QRect& anchor) {
-    const QRect target = anchor.isEmpty() ? QRect(QCursor::pos(), QSize(1, 1)) : anchor;
-    const QScreen* screen = QGuiApplication::screenAt(target.center());
+    const QScreen* screen =
+        isKnownPlace(anchor) ? QGuiApplication::screenAt(anchor.center()) : nullptr;
     if (!screen) screen = QGuiApplication::primaryScreen();
     adjustSize();
     const QRect area = screen ? screen->availableGeometry() : QRect(QPoint(), sizeHint());
+    const QRect target =
+        isKnownPlace(anchor) ? anchor : QRect(area.right(), area.top() - gapBelowItem, 1, 1);
     move(placement(target, size(), area));
     show();
     raise();

@@ -20,6 +20,9 @@ class PopupWindow final : public QWidget {
     // The status item was clicked: open below `anchor` (at the pointer when the platform gives
     // no geometry), or close if open.
     void toggle(const QRect& anchor);
+    // Opens below `anchor`; where the item's place is not known (an empty anchor, or a tray
+    // icon not yet embedded, which reports itself at the screen's origin), at the top right of
+    // the screen, where status areas are.
     void openBelow(const QRect& anchor);
 
     // Where the popup goes for an anchor rectangle on a screen area: centred below it, kept on

@@ -14,11 +14,17 @@ ShrinkingLabel::ShrinkingLabel(const QFont& font, qreal minimumScale, QWidget* p
 void ShrinkingLabel::setText(const QString& text) {
     if (text == text_) return;
     text_ = text;
+    setToolTip(text);
     update();
 }
 
 void ShrinkingLabel::setColor(const QColor& color) {
     color_ = color;
+    update();
+}
+
+void ShrinkingLabel::setAlignment(Qt::Alignment alignment) {
+    alignment_ = alignment;
     update();
 }
 
@@ -37,20 +43,26 @@ QSize ShrinkingLabel::minimumSizeHint() const {
     return {0, QFontMetrics(font()).height()};
 }
 
-void ShrinkingLabel::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::TextAntialiasing);
+QFont ShrinkingLabel::scaledFont() const {
     QFont scaled = font();
     const qreal scale = currentScale();
     if (font().pixelSize() > 0)
         scaled.setPixelSize(std::max(1, int(font().pixelSize() * scale)));
     else
         scaled.setPointSizeF(font().pointSizeF() * scale);
-    painter.setFont(scaled);
+    return scaled;
+}
+
+QString ShrinkingLabel::shownText() const {
+    return QFontMetrics(scaledFont()).elidedText(text_, Qt::ElideRight, std::max(0, width()));
+}
+
+void ShrinkingLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    painter.setFont(scaledFont());
     painter.setPen(color_);
-    const QString shown =
-        QFontMetrics(scaled).elidedText(text_, Qt::ElideRight, std::max(0, width()));
-    painter.drawText(rect(), Qt::AlignCenter, shown);
+    painter.drawText(rect(), alignment_ | Qt::AlignVCenter, shownText());
 }
 
 }  // namespace corvanel

@@ -1,6 +1,6 @@
 #pragma once
 // A one-line label that shrinks its font to fit its width, down to a given fraction of the
-// font's size, and elides beyond that.
+// font's size, and elides beyond that with an ellipsis; the full text is in its tooltip.
 #include <QWidget>
 
 namespace corvanel {
@@ -14,6 +14,10 @@ class ShrinkingLabel final : public QWidget {
     void setText(const QString& text);
     const QString& text() const { return text_; }
     void setColor(const QColor& color);
+    // Centred unless told otherwise.
+    void setAlignment(Qt::Alignment alignment);
+    // The text as drawn at the current width: ending in an ellipsis when it does not fit.
+    QString shownText() const;
     // The font size fraction the current text is drawn at (1 when it fits at full size).
     qreal currentScale() const;
 
@@ -24,8 +28,11 @@ class ShrinkingLabel final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
+    QFont scaledFont() const;
+
     QString text_;
     QColor color_;
+    Qt::Alignment alignment_ = Qt::AlignCenter;
     qreal minimumScale_;
 };
 

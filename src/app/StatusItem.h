@@ -3,7 +3,10 @@
 // QSystemTrayIcon (or a small window of our own) on Linux, an NSStatusItem on macOS.
 #include <QImage>
 #include <QRect>
+#include <QString>
 #include <functional>
+#include <optional>
+#include <vector>
 
 namespace corvanel {
 
@@ -11,9 +14,13 @@ class StatusItem {
   public:
     virtual ~StatusItem() = default;
 
-    // A template image: only its alpha is used; the platform supplies the colour. Drawn at
-    // scale 2 (devicePixelRatio 2).
-    virtual void setLabelImage(const QImage& templateImage) = 0;
+    // The label image for the engine's menu-bar title and the analyzer's levels (absent while
+    // the live image is off): the whole label as a template image (only its alpha is used; the
+    // platform supplies the colour), drawn at scale 2, unless the item draws its own.
+    virtual QImage labelImage(const QString& title,
+                              const std::optional<std::vector<float>>& levels) const;
+    // Shows an image made by labelImage().
+    virtual void setLabelImage(const QImage& image) = 0;
     // Present in the status area or not (the one-time re-insertion toggles it).
     virtual void setInserted(bool inserted) = 0;
     // Where the item is on screen, to open the popup below it; empty when the platform does not
@@ -22,6 +29,9 @@ class StatusItem {
 
     // Called on the main thread when the user clicks the item.
     std::function<void()> onActivated;
+    // Called when the user closes the item itself (a label window of our own): without it the
+    // application would run on with nothing on screen, so it quits.
+    std::function<void()> onQuitRequested;
 };
 
 }  // namespace corvanel

@@ -15,9 +15,12 @@ void drawSymbol(QPainter& painter, Symbol symbol, const QColor& color) {
     painter.setBrush(Qt::NoBrush);
     switch (symbol) {
         case Symbol::waveform: {
-            constexpr std::array<double, 7> heights{4, 9, 13, 7, 11, 5, 3};
+            // Strokes three units apart: at one pixel per unit the gaps between them still show.
+            constexpr std::array<double, 5> heights{5, 10, 13, 8, 4};
+            pen.setWidthF(1.5);
+            painter.setPen(pen);
             for (std::size_t i = 0; i < heights.size(); ++i) {
-                const double x = 2.0 + double(i) * 2.0;
+                const double x = 2.0 + double(i) * 3.0;
                 painter.drawLine(QPointF(x, 8 - heights[i] / 2), QPointF(x, 8 + heights[i] / 2));
             }
             break;

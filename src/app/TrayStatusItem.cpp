@@ -2,6 +2,8 @@
 
 #include <QPainter>
 
+#include "app/TrayIcon.h"
+
 namespace corvanel {
 
 QImage tintedTemplate(const QImage& templateImage, const QColor& color) {
@@ -21,10 +23,20 @@ TrayStatusItem::TrayStatusItem() {
         });
 }
 
-void TrayStatusItem::setLabelImage(const QImage& templateImage) {
-    QImage tinted = tintedTemplate(templateImage, QColor(0xf2, 0xf2, 0xf2));
-    tinted.setDevicePixelRatio(templateImage.devicePixelRatio());
-    tray_.setIcon(QIcon(QPixmap::fromImage(tinted)));
+QImage TrayStatusItem::labelImage(const QString& title,
+                                  const std::optional<std::vector<float>>& levels) const {
+    return trayIconImage(title, levels, desktopTrayColours(), 2.0);
+}
+
+void TrayStatusItem::setLabelImage(const QImage& image) {
+    QIcon icon;
+    icon.addPixmap(QPixmap::fromImage(image));
+    // The one-pixel-per-point size, averaged down from the sharper drawing.
+    QImage single = image.scaled(image.size() / image.devicePixelRatio(), Qt::IgnoreAspectRatio,
+                                 Qt::SmoothTransformation);
+    single.setDevicePixelRatio(1.0);
+    icon.addPixmap(QPixmap::fromImage(single));
+    tray_.setIcon(icon);
 }
 
 void TrayStatusItem::setInserted(bool inserted) {

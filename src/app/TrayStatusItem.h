@@ -1,5 +1,6 @@
 #pragma once
-// The status item as a system-tray icon (a StatusNotifierItem on current Linux desktops).
+// The status item as a system-tray icon (a StatusNotifierItem on current Linux desktops): the
+// square icon of TrayIcon.h, the full title in the tooltip.
 #include <QSystemTrayIcon>
 
 #include "app/StatusItem.h"
@@ -10,18 +11,21 @@ class TrayStatusItem final : public StatusItem {
   public:
     TrayStatusItem();
 
-    void setLabelImage(const QImage& templateImage) override;
+    // The square icon in the desktop palette's colours, at two pixels per point.
+    QImage labelImage(const QString& title,
+                      const std::optional<std::vector<float>>& levels) const override;
+    void setLabelImage(const QImage& image) override;
     void setInserted(bool inserted) override;
     QRect geometry() const override;
 
     void setToolTip(const QString& text);
+    QIcon icon() const { return tray_.icon(); }
 
   private:
     QSystemTrayIcon tray_;
 };
 
-// The template image in the colour a status area draws it in: light, for the dark panels most
-// desktops use.
+// The template image in `color` (only its alpha is kept).
 QImage tintedTemplate(const QImage& templateImage, const QColor& color);
 
 }  // namespace corvanel

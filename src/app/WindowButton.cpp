@@ -37,13 +37,8 @@ WindowButton::WindowButton(Kind kind, QWidget* parent) : QAbstractButton(parent)
     setFocusPolicy(Qt::NoFocus);
 }
 
-void WindowButton::enterEvent(QEnterEvent*) {
-    hovered_ = true;
-    update();
-}
-
-void WindowButton::leaveEvent(QEvent*) {
-    hovered_ = false;
+void WindowButton::setGlyphShown(bool shown) {
+    glyphShown_ = shown;
     update();
 }
 
@@ -55,7 +50,7 @@ void WindowButton::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(fill.darker(125), 0.75));
     painter.setBrush(fill);
     painter.drawEllipse(circle);
-    if (!hovered_) return;
+    if (!glyphShown_) return;
 
     painter.setPen(QPen(QColor(0, 0, 0, 150), 1.2, Qt::SolidLine, Qt::RoundCap));
     const QPointF c = circle.center();

@@ -1,6 +1,6 @@
 #pragma once
 // One of the three round window buttons (close, minimise, zoom) that a frameless window draws
-// itself; the symbol shows while the pointer is over the button.
+// itself. Its symbol shows while the pointer is over the row of buttons, on all three at once.
 #include <QAbstractButton>
 
 namespace corvanel {
@@ -15,14 +15,15 @@ class WindowButton final : public QAbstractButton {
 
     QSize sizeHint() const override { return {12, 12}; }
 
+    void setGlyphShown(bool shown);
+    bool glyphShown() const { return glyphShown_; }
+
   protected:
     void paintEvent(QPaintEvent* event) override;
-    void enterEvent(QEnterEvent* event) override;
-    void leaveEvent(QEvent* event) override;
 
   private:
     Kind kind_;
-    bool hovered_ = false;
+    bool glyphShown_ = false;
 };
 
 }  // namespace corvanel

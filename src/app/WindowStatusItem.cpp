@@ -17,7 +17,7 @@ constexpr int padding = 8;
 WindowStatusItem::LabelWindow::LabelWindow(WindowStatusItem& item) : item_(item) {
     setObjectName("statusItem");
     setWindowTitle("Corvanel");
-    setWindowFlags(Qt::Window | Qt::WindowStaysOnTopHint);
+    setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);
     setCursor(Qt::PointingHandCursor);
     setToolTip("Click to open Corvanel");
     setFixedSize(100, 32);
@@ -36,6 +36,11 @@ void WindowStatusItem::LabelWindow::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()) &&
         item_.onActivated)
         item_.onActivated();
+}
+
+void WindowStatusItem::LabelWindow::closeEvent(QCloseEvent* event) {
+    QWidget::closeEvent(event);
+    if (item_.onQuitRequested) item_.onQuitRequested();
 }
 
 WindowStatusItem::WindowStatusItem() : window_(*this) {}

@@ -1,6 +1,8 @@
 #pragma once
 // The status item where the desktop has no system tray: a small window of our own that shows the
-// same label and opens the same popup when clicked, so the application is never invisible.
+// same label and opens the same popup when clicked, so the application is never invisible. It is
+// a frameless tool window with no close button; closing it anyway (a window manager's close
+// shortcut) quits the application.
 #include <QImage>
 #include <QWidget>
 
@@ -27,6 +29,7 @@ class WindowStatusItem final : public StatusItem {
       protected:
         void paintEvent(QPaintEvent* event) override;
         void mouseReleaseEvent(QMouseEvent* event) override;
+        void closeEvent(QCloseEvent* event) override;
 
       private:
         WindowStatusItem& item_;

@@ -20,6 +20,7 @@ class RecordingWorkspace final : public Workspace {
     bool hasApplications = false;
     std::vector<std::string> opened;
     int activations = 0;
+    int olderCopiesAskedToQuit = 0;
 
     bool hasApplication(const std::string&) override { return hasApplications; }
     bool openApplication(const std::string& path) override {
@@ -27,7 +28,7 @@ class RecordingWorkspace final : public Workspace {
         return true;
     }
     void activateSelf() override { ++activations; }
-    void askOlderCopiesToQuit() override {}
+    void askOlderCopiesToQuit() override { ++olderCopiesAskedToQuit; }
 };
 
 struct AppTestRig {

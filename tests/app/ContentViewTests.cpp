@@ -119,28 +119,46 @@ TEST_F(ContentViewTest, ARateButtonSetsThatRateOnTheDeviceAndTheHighlightFollows
     EXPECT_EQ(highlightedRates(), QStringList{"48"});
 }
 
-TEST_F(ContentViewTest, TogglesWriteTheirSettingsAndThePrivacyNoteFollowsTheLiveImage) {
+TEST_F(ContentViewTest, EachToggleChangesItsOwnSettingAndNoOther) {
     rig.mac.settings->preset("spectrumEnabled", true);
     open();
     EXPECT_TRUE(shown("privacyNote"));
-    EXPECT_TRUE(view->findChild<ToggleSwitch*>("autoSwitchToggle")->isChecked());
-    EXPECT_FALSE(view->findChild<ToggleSwitch*>("pauseToggle")->isChecked());
-
-    click("autoSwitchToggle");
-    click("pauseToggle");
-    click("liveEQToggle");
-    click("launchAtLoginToggle");
+    const SwitcherEngine& engine = *rig.engine;
+    const auto settings = [&] {
+        return std::array<bool, 4>{engine.autoSwitchEnabled(), engine.pauseDuringSwitch(),
+                                   engine.launchAtLogin(), engine.spectrum()->menuBarEnabled()};
+    };
+    const std::array<const char*, 4> toggles{"autoSwitchToggle", "pauseToggle",
+                                             "launchAtLoginToggle", "liveEQToggle"};
+    for (std::size_t flipped = 0; flipped < toggles.size(); ++flipped) {
+        SCOPED_TRACE(toggles[flipped]);
+        const auto before = settings();
+        EXPECT_EQ(view->findChild<ToggleSwitch*>(toggles[flipped])->isChecked(), before[flipped]);
+        click(toggles[flipped]);
+        const auto after = settings();
+        for (std::size_t i = 0; i < toggles.size(); ++i)
+            EXPECT_EQ(after[i], i == flipped ? !before[i] : before[i]) << toggles[i];
+        EXPECT_EQ(view->findChild<ToggleSwitch*>(toggles[flipped])->isChecked(), after[flipped]);
+    }
     using Write = std::pair<std::string, StoredSettingValue>;
-    const auto writes = rig.mac.settings->writes();
-    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"autoSwitchEnabled", false}),
-              writes.end());
-    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"pauseDuringSwitch", true}),
-              writes.end());
-    EXPECT_NE(std::find(writes.begin(), writes.end(), Write{"spectrumEnabled", false}),
-              writes.end());
+    EXPECT_EQ(rig.mac.settings->writes(), (std::vector<Write>{{"autoSwitchEnabled", false},
+                                                              {"pauseDuringSwitch", true},
+                                                              {"spectrumEnabled", false}}));
     EXPECT_EQ(rig.mac.loginItems->calls(), std::vector<std::string>{"register"});
     EXPECT_FALSE(shown("privacyNote"));
     EXPECT_FALSE(rig.engine->spectrum()->isCapturing());
+}
+
+TEST_F(ContentViewTest, ScanNowReadsTheLastHalfHourOfTheLog) {
+    rig.mac.music->setRunning(false);
+    open();
+    ASSERT_EQ(text("detectedSource"), "No track detected");
+    // Found by a scan of 1800 s, missed by one of 180 s or 600 s.
+    rig.mac.log->add("Music", audioCapabilitiesMessage(88.2, 24),
+                     rig.mac.executor->wallNow() - std::chrono::seconds(1500));
+    click("scanNowButton");
+    rig.mac.executor->advanceBy(1s);
+    EXPECT_EQ(text("detectedText"), QString::fromUtf8("88.2 kHz \u00b7 24-bit"));
 }
 
 TEST_F(ContentViewTest, TheCaptureMessageShowsWhileCaptureFailsAndGoesWhenItStops) {
@@ -180,7 +198,51 @@ TEST_F(ContentViewTest, OnlyTheSixNewestActivityLinesAreListed) {
         const std::string name = "activityLine" + std::to_string(i);
         EXPECT_EQ(text(name.c_str()).toStdString(), rig.engine->activity()[i]);
     }
-    EXPECT_EQ(view->findChildren<QLabel*>(QRegularExpression("^activityLine")).size(), 6);
+    EXPECT_EQ(view->findChildren<QWidget*>(QRegularExpression("^activityLine")).size(), 6);
+}
+
+TEST_F(ContentViewTest, ALongActivityLineEndsInAnEllipsisAndItsTooltipHasAllOfIt) {
+    open();
+    rig.play("96000", "4608", "Apple Lossless audio file from a very long album title",
+             audioCapabilitiesMessage(96, 24));
+    rig.mac.executor->advanceBy(1s);
+    QCoreApplication::processEvents();
+    const ShrinkingLabel* line = nullptr;
+    const ShrinkingLabel* shortLine = nullptr;
+    for (const auto* each : view->findChildren<ShrinkingLabel*>(QRegularExpression("^activity"))) {
+        if (each->text().contains("(Apple Lossless audio file from a very long album title)"))
+            line = each;
+        if (each->text().endsWith("96 kHz")) shortLine = each;
+    }
+    ASSERT_NE(line, nullptr);
+    ASSERT_NE(shortLine, nullptr);
+    const QString shown = line->shownText();
+    EXPECT_TRUE(shown.endsWith(QChar(0x2026))) << shown.toStdString();
+    EXPECT_LE(QFontMetrics(line->font()).horizontalAdvance(shown), line->width());
+    EXPECT_GT(line->width(), 250);  // the popup's width, not a sliver
+    EXPECT_EQ(line->toolTip(), line->text());
+    // A line that fits is shown whole.
+    EXPECT_EQ(shortLine->shownText(), shortLine->text());
+}
+
+TEST_F(ContentViewTest, TheHeaderWaveformKeepsItsStrokesApartAtOnePixelPerPoint) {
+    open();
+    ASSERT_EQ(qApp->devicePixelRatio(), 1.0);
+    QWidget* symbol = view->findChild<QWidget*>("headerSymbol");
+    ASSERT_NE(symbol, nullptr);
+    QImage shown(symbol->size(), QImage::Format_ARGB32_Premultiplied);
+    shown.fill(Qt::white);
+    symbol->render(&shown);
+    // Across the middle, each stroke is a run of ink with white between runs.
+    int strokes = 0;
+    bool inInk = false;
+    for (int x = 0; x < shown.width(); ++x) {
+        const int lightness = shown.pixelColor(x, shown.height() / 2).lightness();
+        if (!inInk && lightness < 190) ++strokes;
+        if (lightness < 190) inInk = true;
+        if (lightness > 225) inInk = false;
+    }
+    EXPECT_GE(strokes, 5);
 }
 
 TEST_F(ContentViewTest, FooterAndHeaderActions) {

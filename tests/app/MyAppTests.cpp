@@ -2,13 +2,14 @@
 // item's popup and label, and meter-window counting through the real windows.
 #include <gtest/gtest.h>
 
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTest>
 
-#include "AppTestRig.h"
+#include "AppLaunch.h"
 #include "app/ContentView.h"
-#include "app/FramelessWindowChrome.h"
 #include "app/MenuBarLabel.h"
-#include "app/MyApp.h"
 #include "app/PopupWindow.h"
 #include "meters/SpectrumBarsView.h"
 #include "spectrum/SpectrumAnalyzer.h"
@@ -16,48 +17,12 @@
 namespace corvanel {
 namespace {
 
-// A status item that remembers what it was given.
-class RecordingStatusItem final : public StatusItem {
-  public:
-    std::vector<QImage> images;
-    std::vector<bool> insertions;
-    QRect where{600, 0, 80, 24};
-
-    void setLabelImage(const QImage& image) override { images.push_back(image); }
-    void setInserted(bool inserted) override { insertions.push_back(inserted); }
-    QRect geometry() const override { return where; }
-};
-
-class MyAppTest : public ::testing::Test {
-  protected:
-    MyApp& launch() {
-        Composition composition;
-        composition.ports = rig.mac.ports();
-        composition.ports.workspace = rig.workspace;
-        composition.windowChrome = FramelessWindowChrome::factory();
-        composition.makeStatusItem = [this] {
-            auto item = std::make_unique<RecordingStatusItem>();
-            item_ = item.get();
-            return StatusItemChoice{std::move(item), Seconds{0}};
-        };
-        app = std::make_unique<MyApp>(std::move(composition));
-        app->start();
-        rig.mac.executor->runUntilIdle();
-        return *app;
-    }
-    void closeWindow(const QString& identifier) {
-        app->environment().windows->withIdentifier(identifier)->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        rig.mac.executor->runUntilIdle();
-    }
-
-    testing::AppTestRig rig;
-    std::unique_ptr<MyApp> app;
-    RecordingStatusItem* item_ = nullptr;
-};
+class MyAppTest : public ::testing::Test, protected testing::AppLaunch {};
 
 TEST_F(MyAppTest, ThePanelFloatsUnlessTheStoredChoiceSaysOtherwise) {
     launch();
+    // The newest copy asks older ones to quit, once, as it starts.
+    EXPECT_EQ(rig.workspace->olderCopiesAskedToQuit, 1);
     AppWindow* panel = app->openWindow("panel");
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->windowTitle(), "Corvanel");
@@ -103,19 +68,20 @@ TEST_F(MyAppTest, MeterWindowsStartCaptureAndClosingTheLastStopsIt) {
 
 TEST_F(MyAppTest, ClickingTheItemOpensThePopupBelowItAndTheClosingClickDoesNotReopen) {
     launch();
-    ASSERT_NE(item_, nullptr);
-    EXPECT_EQ(item_->insertions, std::vector<bool>{true});
-    item_->onActivated();
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->insertions, std::vector<bool>{true});
+    item->onActivated();
     ASSERT_TRUE(app->popup().isVisible());
-    EXPECT_GT(app->popup().y(), item_->where.bottom());
+    EXPECT_GT(app->popup().y(), item->where.bottom());
+    QCoreApplication::processEvents();  // the layout's pass after showing
     EXPECT_EQ(app->popup().width(), ContentView::contentWidth);
 
-    item_->onActivated();  // the click on the item while open closes it
+    item->onActivated();  // the click on the item while open closes it
     EXPECT_FALSE(app->popup().isVisible());
-    item_->onActivated();  // the same click reported again as the popup went away
+    item->onActivated();  // the same click reported again as the popup went away
     EXPECT_FALSE(app->popup().isVisible());
     QTest::qWait(PopupWindow::reopenGuardMilliseconds + 50);
-    item_->onActivated();
+    item->onActivated();
     EXPECT_TRUE(app->popup().isVisible());
     app->popup().hide();
 }
@@ -124,21 +90,44 @@ TEST_F(MyAppTest, TheLabelFollowsTheTitleAndTheLiveImageChoice) {
     rig.mac.settings->preset("spectrumEnabled", false);
     launch();
     const auto& engine = app->environment().engine;
-    ASSERT_FALSE(item_->images.empty());
-    EXPECT_EQ(item_->images.back(),
+    ASSERT_FALSE(item->images.empty());
+    EXPECT_EQ(item->images.back(),
               meters::SpectrumBarsView::menuBarImage(QString::fromStdString(engine->menuBarTitle()),
                                                      std::nullopt));
     engine->spectrum()->setMenuBarEnabled(true);
     rig.mac.executor->runUntilIdle();
-    EXPECT_EQ(item_->images.back(),
+    EXPECT_EQ(item->images.back(),
               meters::SpectrumBarsView::menuBarImage(QString::fromStdString(engine->menuBarTitle()),
                                                      engine->spectrum()->levels()));
-    const std::size_t before = item_->images.size();
+    const std::size_t before = item->images.size();
     rig.mac.audio->changeNominalRateExternally(rig.dac, 96000);
     rig.mac.executor->runUntilIdle();
-    EXPECT_GT(item_->images.size(), before);
+    EXPECT_GT(item->images.size(), before);
     EXPECT_EQ(app->label().image(), meters::SpectrumBarsView::menuBarImage(
                                         QString::fromUtf8("96 kHz"), engine->spectrum()->levels()));
+}
+
+TEST_F(MyAppTest, WithoutTheItemsPlaceThePopupOpensAtTheTopRightOrAtTheClick) {
+    launch();
+    PopupWindow& popup = app->popup();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    // `--open popup` at start, before the tray has embedded its icon: (0, 0, 22, 22).
+    for (const QRect& unknown : {QRect(0, 0, 22, 22), QRect()}) {
+        popup.openBelow(unknown);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(popup.geometry().right(), screen.right());
+        EXPECT_LT(popup.y() - screen.top(), 10);
+        popup.hide();
+    }
+    // A click on an item whose place the tray does not report: the pointer is on it.
+    QTest::qWait(PopupWindow::reopenGuardMilliseconds + 50);
+    QCursor::setPos(screen.center());
+    item->where = QRect();
+    item->onActivated();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(popup.geometry().center().x(), screen.center().x());
+    EXPECT_GT(popup.y(), screen.center().y());
+    popup.hide();
 }
 
 TEST(PopupPlacementTest, BelowTheItemCentredAndKeptOnTheScreen) {

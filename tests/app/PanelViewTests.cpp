@@ -8,8 +8,11 @@
 #include <QTest>
 
 #include "AppTestRig.h"
+#include "app/AppStyle.h"
 #include "app/FramelessWindowChrome.h"
 #include "app/PanelView.h"
+#include "app/ShrinkingLabel.h"
+#include "platform/sim/DemoPlaylist.h"
 #include "spectrum/SpectrumAnalyzer.h"
 
 namespace corvanel {
@@ -73,6 +76,24 @@ TEST_F(PanelViewTest, MovingBetweenGroupsResizesWithTheTopEdgeFixed) {
     EXPECT_EQ(rig.mac.settings->read("panelMeterStyle"), SettingValue(std::string("bars")));
 }
 
+TEST_F(PanelViewTest, TheSummaryRowShowsTheDetectionAndTheDevice) {
+    PanelView& panel = openPanel();
+    const auto text = [&](const char* name) {
+        const auto* label = panel.findChild<ShrinkingLabel*>(name);
+        return label ? label->text() : QStringLiteral("(no %1)").arg(name);
+    };
+    EXPECT_EQ(text("summaryDetectedText"), QString::fromUtf8("\u2014"));
+    EXPECT_EQ(text("summaryDetectedSource"), "No track detected");
+    EXPECT_EQ(text("summaryDeviceText"), QString::fromUtf8("48 kHz \u00b7 32-bit"));
+    EXPECT_EQ(text("summaryDeviceName"), "Corvanel Demo DAC");
+
+    rig.play("96000", "4608", "Apple Lossless audio file", audioCapabilitiesMessage(96, 24));
+    rig.mac.executor->advanceBy(1s);
+    EXPECT_EQ(text("summaryDetectedText"), QString::fromUtf8("96 kHz \u00b7 24-bit"));
+    EXPECT_EQ(text("summaryDetectedSource"), "Apple Lossless audio file");
+    EXPECT_EQ(text("summaryDeviceText"), QString::fromUtf8("96 kHz \u00b7 32-bit"));
+}
+
 TEST_F(PanelViewTest, AnUnknownStoredStyleIsCompactAndStaysUntilTheUserPicks) {
     rig.mac.settings->preset("panelMeterStyle", std::string("Bars"));
     PanelView& panel = openPanel();
@@ -109,6 +130,26 @@ TEST_F(PanelViewTest, TheMenuListsTheStylesThenTheVisualizerThenAlwaysOnTop) {
                                    "Candlelight Visualizer", "-", "Always on top"}));
     styleAction("Candlelight Visualizer", panel)->trigger();
     EXPECT_EQ(rig.openedWindows, std::vector<QString>{"visualizer"});
+}
+
+TEST_F(PanelViewTest, TheMenuUsesTheShellsFaceAndItsSeparatorsShow) {
+    PanelView& panel = openPanel();
+    QMenu& menu = panel.styleMenu();
+    EXPECT_EQ(menu.font().family(), style::callout().family());
+    menu.setPalette(style::darkPalette());  // as the application runs
+    menu.adjustSize();
+    const QImage shown = menu.grab().toImage();
+    for (QAction* action : menu.actions()) {
+        if (!action->isSeparator()) continue;
+        const QRect line = menu.actionGeometry(action);
+        const QColor background = shown.pixelColor(line.center().x(), line.top() - 2);
+        int strongest = 0;
+        for (int y = line.top(); y <= line.bottom(); ++y)
+            strongest =
+                std::max(strongest, std::abs(shown.pixelColor(line.center().x(), y).lightness() -
+                                             background.lightness()));
+        EXPECT_GE(strongest, 60) << "separator at y " << line.y();
+    }
 }
 
 TEST_F(PanelViewTest, AlwaysOnTopIsStoredAndAppliedToTheWindow) {
