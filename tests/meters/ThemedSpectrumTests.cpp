@@ -131,12 +131,13 @@ TEST(VintageAnalyzerView, TurnsRedAboveTheReferenceLine) {
     EXPECT_GT(probe::at(half, {x, 11 + Hb * 0.3}).green(), 100);
 }
 
-TEST(PulsarComboView, HasTheStatedGeometry) {
-    const PulsarComboView::Geometry g = PulsarComboView::geometryFor(QSizeF(400, 400));
-    EXPECT_DOUBLE_EQ(g.outer, 182);
-    EXPECT_NEAR(g.core, 54.6, 1e-9);
-    EXPECT_NEAR(g.innerSpoke, 62.6, 1e-9);
-    EXPECT_NEAR(g.span, 119.4, 1e-9);
+TEST(PulsarComboView, HasTheStatedGeometryWhereTheHeightLimitsTheRim) {
+    // The panel's default area: the rim's radius is 450 / 2 - 18.
+    const PulsarComboView::Geometry g = PulsarComboView::geometryFor(QSizeF(460, 450));
+    EXPECT_DOUBLE_EQ(g.outer, 207);
+    EXPECT_NEAR(g.core, 62.1, 1e-9);
+    EXPECT_NEAR(g.innerSpoke, 70.1, 1e-9);
+    EXPECT_NEAR(g.span, 136.9, 1e-9);
 }
 
 TEST(PulsarComboView, SpokesPointRightDownLeftAndUpForBands10To30And0) {
