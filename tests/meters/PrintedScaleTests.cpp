@@ -253,59 +253,53 @@ TEST(NeedleDials, KeepTheirEndLabelsWholeAndTheNeedleOnTheFaceWhenStretched) {
     struct Case {
         const char* style;
         std::function<std::unique_ptr<SpringNeedleMeter>()> make;
-        QSizeF size;
+        std::vector<double> heights;
+        double width;
         double faceInset;
         std::vector<std::pair<const char*, bool>> ends;  // text, red
         QFont font;
     };
-    const QFont tapeFont = systemFont(9, FontWeight::semibold);
-    const Case cases[] = {
+    const Case dials[] = {
         {"tape deck",
          [] { return std::make_unique<TapeDeckMeterView>(QStringLiteral("L")); },
-         {223, 400},
+         {400, 900},
+         223,
          6,
          {{"20", false}, {"3", true}},
-         tapeFont},
-        {"tape deck",
-         [] { return std::make_unique<TapeDeckMeterView>(QStringLiteral("L")); },
-         {223, 900},
-         6,
-         {{"20", false}, {"3", true}},
-         tapeFont},
+         systemFont(9, FontWeight::semibold)},
         {"retro",
          [] { return std::make_unique<RetroVUMeterView>(QStringLiteral("L")); },
-         {223, 232},
+         {232, 700},
+         223,
          4,
          {{"20", false}, {"5", true}},
-         tapeFont},
-        {"retro",
-         [] { return std::make_unique<RetroVUMeterView>(QStringLiteral("L")); },
-         {223, 700},
-         4,
-         {{"20", false}, {"5", true}},
-         tapeFont},
+         systemFont(9, FontWeight::semibold)},
         {"yamaha",
          [] { return std::make_unique<YamahaVUMeterView>(QStringLiteral("LEFT")); },
-         {207, 450},
+         {450},
+         207,
          3,
          {{"\u221220", false}, {"+3", true}},
          systemFont(7, FontWeight::medium, FontDesign::rounded)},
     };
-    for (const Case& c : cases) {
-        const QRectF face = QRectF(QPointF(), c.size)
-                                .adjusted(c.faceInset, c.faceInset, -c.faceInset, -c.faceInset);
-        for (const float level : {0.0f, 1.0f}) {
-            const auto meter = c.make();
-            const QImage image = drawAtRest(*meter, level, c.size);
-            for (const auto& [text, red] : c.ends)
-                EXPECT_TRUE(probe::findsWholeText(image, QString::fromUtf8(text), {c.font, {}},
-                                                  face, red ? probe::isRedInk : probe::isDark))
-                    << c.style << " " << c.size.height() << ": " << text;
-            if (std::string(c.style) == "retro") continue;  // its face is black at the sides
-            for (double y = face.top() + 6; y < face.bottom() - 24; y += 0.5)
-                for (const double x : {face.left() + 0.75, face.right() - 0.75})
-                    ASSERT_FALSE(probe::isDark(probe::at(image, {x, y})))
-                        << c.style << " " << c.size.height() << ": needle at " << x << ", " << y;
+    for (const Case& c : dials) {
+        for (const double height : c.heights) {
+            const QSizeF size(c.width, height);
+            const QRectF face = QRectF(QPointF(), size)
+                                    .adjusted(c.faceInset, c.faceInset, -c.faceInset, -c.faceInset);
+            for (const float level : {0.0f, 1.0f}) {
+                const auto meter = c.make();
+                const QImage image = drawAtRest(*meter, level, size);
+                for (const auto& [text, red] : c.ends)
+                    EXPECT_TRUE(probe::findsWholeText(image, QString::fromUtf8(text), {c.font, {}},
+                                                      face, red ? probe::isRedInk : probe::isDark))
+                        << c.style << " " << size.height() << ": " << text;
+                if (std::string(c.style) == "retro") continue;  // its face is black at the sides
+                for (double y = face.top() + 6; y < face.bottom() - 24; y += 0.5)
+                    for (const double x : {face.left() + 0.75, face.right() - 0.75})
+                        ASSERT_FALSE(probe::isDark(probe::at(image, {x, y})))
+                            << c.style << " " << size.height() << ": needle at " << x << ", " << y;
+            }
         }
     }
 }
