@@ -69,15 +69,21 @@ QFont mainLabelFont() {
     return systemFont(9, FontWeight::semibold);
 }
 
-// The dial as drawn: the part of the meter area whose height the geometry scales with. The end
-// labels stand 1.2 R = 0.744 h out at 42 degrees from upright and must stay inside the clip.
+// The dial as drawn: the part of the meter area its geometry scales with. The end labels stand
+// 1.2 R = 0.744 h out at 42 degrees from upright and must stay inside the clip. The hub, its
+// plate and the corner signs scale with the width, so a wide area keeps the face's proportions
+// with a box centred in it, at most 1.05 times as wide as it is high (the console's meters are
+// about square).
 QRectF dialBox(const QSizeF& size) {
     double widest = 0;
     for (const ScaleMark& mark : mainScale)
         widest =
             std::max(widest, textWidth(QString::fromLatin1(mark.label), {mainLabelFont(), {}}));
     const double reach = 1.2 * 0.62 * std::sin(42.0 * std::numbers::pi / 180.0);
-    return fittedDialBox(meterArea(size), reach, widest / 2 - (areaInset - clipInset));
+    const QRectF box = fittedDialBox(meterArea(size), reach, widest / 2 - (areaInset - clipInset));
+    const double widestBox = 1.05 * box.height();
+    if (box.width() <= widestBox) return box;
+    return {box.center().x() - widestBox / 2, box.top(), widestBox, box.height()};
 }
 
 }  // namespace

@@ -109,14 +109,22 @@ TEST(TapeDeckMeterView, PrintsItsScaleRedBandAndCornerMarksWhereTheFaceSays) {
     EXPECT_TRUE(plus.matches()) << plus.found << " " << plus.stray;
 }
 
-TEST(RetroVUMeterView, PrintsItsMainScaleAt120PercentOfTheRadius) {
+TEST(RetroVUMeterView, PrintsItsMainScaleAt120PercentOfTheRadiusAndItsLegendAboveTheHub) {
     // 223 x 219 (a meter of the console at its default size): the area is 207 x 203 at (8, 8);
-    // pivot (0.5 w, 0.97 h), R = 0.62 h.
-    RetroVUMeterView meter(QStringLiteral("L"));
-    const QImage image = drawAtRest(meter, 0.0f, {223, 219});
-    const QPointF pivot(8 + 0.5 * 207, 8 + 0.97 * 203);
-    expectLabels(image, {{0, "20"}, {0.17, "10"}, {0.41, "5"}, {0.72, "0"}, {0.96, "5", true}},
-                 systemFont(9, FontWeight::semibold), pivot, 1.2 * 0.62 * 203, -132, 84);
+    // pivot (0.5 w, 0.97 h), R = 0.62 h; "VU" 0.42 R above the pivot. A wide meter keeps the
+    // same dial about its centre line, its hub no wider than the square one's.
+    for (const double width : {223.0, 773.0}) {
+        RetroVUMeterView meter(QStringLiteral("L"));
+        const QImage image = drawAtRest(meter, 0.0f, {width, 219});
+        const QPointF pivot(width / 2, 8 + 0.97 * 203);
+        const double R = 0.62 * 203;
+        expectLabels(image, {{0, "20"}, {0.17, "10"}, {0.41, "5"}, {0.72, "0"}, {0.96, "5", true}},
+                     systemFont(9, FontWeight::semibold), pivot, 1.2 * R, -132, 84);
+        const auto legend = fitText(image, QStringLiteral("VU"),
+                                    {systemFont(16, FontWeight::bold, FontDesign::serif), {}},
+                                    pivot - QPointF(0, 0.42 * R), probe::isDark);
+        EXPECT_TRUE(legend.matches()) << width << ": " << legend.found << " " << legend.stray;
+    }
 }
 
 TEST(YamahaVUMeterView, PrintsItsScaleAndRedZoneOnTheCanvasThreePointsIn) {
