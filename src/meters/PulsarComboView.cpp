@@ -40,10 +40,6 @@ constexpr double leftRingFrom = 97.2;
 constexpr double rightRingFrom = -82.8;
 constexpr double ringSweep = 165.6;
 
-}  // namespace
-
-namespace {
-
 TextStyle rimStyle() {
     return {systemFont(7, FontWeight::medium, FontDesign::monospaced), grey(1.0, 0.3)};
 }
