@@ -145,6 +145,10 @@ TEST(YamahaVUMeterView, PrintsItsScaleAndRedZoneOnTheCanvasThreePointsIn) {
         EXPECT_TRUE(redAt(image, polarPoint(pivot, 0.74 * r, degrees))) << degrees;
         EXPECT_FALSE(redAt(image, polarPoint(pivot, 0.68 * r, degrees))) << degrees;
     }
+    const auto legend = fitText(image, QStringLiteral("VU"),
+                                {systemFont(10, FontWeight::semibold, FontDesign::rounded), {}},
+                                QPointF(3, 3) + QPointF(100, 0.68 * 120), probe::isDark);
+    EXPECT_TRUE(legend.matches()) << legend.found << " " << legend.stray;
 }
 
 TEST(YamahaTwelveBandEQView, CaptionIsPrintedOverTheLitColumns) {
