@@ -3,6 +3,8 @@
 // (clockwise on screen, since y grows downwards).
 #include <QPainterPath>
 #include <QPointF>
+#include <QRectF>
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -20,6 +22,16 @@ inline QPainterPath arcPath(QPointF centre, double radius, double fromDegrees, d
     path.arcMoveTo(box, -fromDegrees);
     path.arcTo(box, -fromDegrees, -(toDegrees - fromDegrees));
     return path;
+}
+
+// A dial laid out from its box's height also reaches sideways in proportion to it: its outermost
+// labels stand `reachPerHeight` x height from the centre line and need `fixedReach` points more.
+// In an area too tall for its width the dial keeps its proportions at the greatest height the
+// width allows, resting on the area's bottom edge (the pivot's side); the face above stays plain.
+inline QRectF fittedDialBox(const QRectF& area, double reachPerHeight, double fixedReach) {
+    const double tallest = std::max(0.0, (area.width() / 2 - fixedReach) / reachPerHeight);
+    if (area.height() <= tallest) return area;
+    return {area.left(), area.bottom() - tallest, area.width(), tallest};
 }
 
 }  // namespace corvanel::meters

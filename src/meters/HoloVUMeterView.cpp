@@ -112,8 +112,9 @@ void HoloVUMeterView::paint(QPainter& painter, const QSizeF& size) {
                        });
     }
 
+    // Ultra-light is the lightest weight there is (100), one step below thin.
     QFont thin = systemFont(24, FontWeight::regular);
-    thin.setWeight(QFont::ExtraLight);
+    thin.setWeight(QFont::Thin);
     const TextStyle name{thin, systemCyan()};
     const TextStyle reading{systemFont(8, FontWeight::medium, FontDesign::monospaced),
                             withOpacity(systemCyan(), 0.6), true};

@@ -40,10 +40,24 @@ constexpr double leftRingFrom = 97.2;
 constexpr double rightRingFrom = -82.8;
 constexpr double ringSweep = 165.6;
 
+TextStyle rimStyle() {
+    return {systemFont(7, FontWeight::medium, FontDesign::monospaced), grey(1.0, 0.3)};
+}
+
+// Room the rim labels need beside the rim: they stand 11 points out, and the left and right ones
+// are wider than they are tall, so a narrow plate shrinks the rim to keep them whole.
+double sideRoom() {
+    double widest = 0;
+    for (const RimLabel& label : rimLabels)
+        if (label.y == 0.5)
+            widest = std::max(widest, textWidth(QString::fromLatin1(label.text), rimStyle()));
+    return 11 + widest / 2 + 2;
+}
+
 }  // namespace
 
 PulsarComboView::Geometry PulsarComboView::geometryFor(const QSizeF& size) {
-    const double outer = std::min(size.width(), size.height()) / 2 - 18;
+    const double outer = std::min(size.width() / 2 - sideRoom(), size.height() / 2 - 18);
     const double core = 0.3 * outer;
     const double inner = core + 8;
     return {QPointF(size.width() / 2, size.height() / 2), outer, core, inner, outer - inner};
@@ -93,9 +107,8 @@ void PulsarComboView::paintBackground(QPainter& painter, const QSizeF& size) con
     for (const double radius :
          {g.innerSpoke + 0.33 * g.span, g.innerSpoke + 0.66 * g.span, g.outer})
         painter.drawEllipse(g.centre, radius, radius);
-    const TextStyle rim{systemFont(7, FontWeight::medium, FontDesign::monospaced), grey(1.0, 0.3)};
     for (const RimLabel& label : rimLabels)
-        drawText(painter, QString::fromLatin1(label.text), rim,
+        drawText(painter, QString::fromLatin1(label.text), rimStyle(),
                  g.centre + QPointF((g.outer + 11) * (2 * label.x - 1),
                                     (g.outer + 11) * (2 * label.y - 1)));
 }

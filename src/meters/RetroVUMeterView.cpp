@@ -1,7 +1,10 @@
 #include "meters/RetroVUMeterView.h"
 
 #include <QRadialGradient>
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <numbers>
 
 #include "meters/Colors.h"
 #include "meters/ContinuousRect.h"
@@ -55,8 +58,32 @@ QRectF meterArea(const QSizeF& size) {
     return QRectF(QPointF(), size).adjusted(areaInset, areaInset, -areaInset, -areaInset);
 }
 
+constexpr double clipInset = 4.0;
+
 QPainterPath areaClip(const QSizeF& size) {
-    return continuousRoundedRect(QRectF(QPointF(), size).adjusted(4, 4, -4, -4), 5);
+    return continuousRoundedRect(
+        QRectF(QPointF(), size).adjusted(clipInset, clipInset, -clipInset, -clipInset), 5);
+}
+
+QFont mainLabelFont() {
+    return systemFont(9, FontWeight::semibold);
+}
+
+// The dial as drawn: the part of the meter area its geometry scales with. The end labels stand
+// 1.2 R = 0.744 h out at 42 degrees from upright and must stay inside the clip. The hub, its
+// plate and the corner signs scale with the width, so a wide area keeps the face's proportions
+// with a box centred in it, at most 1.05 times as wide as it is high (the console's meters are
+// about square).
+QRectF dialBox(const QSizeF& size) {
+    double widest = 0;
+    for (const ScaleMark& mark : mainScale)
+        widest =
+            std::max(widest, textWidth(QString::fromLatin1(mark.label), {mainLabelFont(), {}}));
+    const double reach = 1.2 * 0.62 * std::sin(42.0 * std::numbers::pi / 180.0);
+    const QRectF box = fittedDialBox(meterArea(size), reach, widest / 2 - (areaInset - clipInset));
+    const double widestBox = 1.05 * box.height();
+    if (box.width() <= widestBox) return box;
+    return {box.center().x() - widestBox / 2, box.top(), widestBox, box.height()};
 }
 
 }  // namespace
@@ -64,7 +91,7 @@ QPainterPath areaClip(const QSizeF& size) {
 RetroVUMeterView::RetroVUMeterView(QString channel) : channel_(std::move(channel)) {}
 
 RetroVUMeterView::Dial RetroVUMeterView::dialFor(const QSizeF& size) {
-    const QRectF area = meterArea(size);
+    const QRectF area = dialBox(size);
     return {area.topLeft() + QPointF(0.5 * area.width(), 0.97 * area.height()),
             0.62 * area.height()};
 }
@@ -74,7 +101,7 @@ void RetroVUMeterView::paintBackground(QPainter& painter, const QSizeF& size) co
     drawBezel(painter, box, 8, {grey(0.14), grey(0.04)}, {grey(0.0, 0.5), 3, {0, 2}});
     painter.fillPath(continuousRoundedRect(box.adjusted(6, 6, -6, -6), 5), Qt::black);
 
-    const QRectF area = meterArea(size);
+    const QRectF area = dialBox(size);
     const double w = area.width();
     const double h = area.height();
     const Dial dial = dialFor(size);
@@ -99,7 +126,7 @@ void RetroVUMeterView::paintBackground(QPainter& painter, const QSizeF& size) co
     painter.setPen(QPen(vintageRed(), 3.5, Qt::SolidLine, Qt::FlatCap));
     painter.drawPath(arcPath(dial.pivot, R, direction(0.72), direction(1)));
 
-    const TextStyle mainText{systemFont(9, FontWeight::semibold), grey(0.0, 0.9)};
+    const TextStyle mainText{mainLabelFont(), grey(0.0, 0.9)};
     for (const ScaleMark& mark : mainScale) {
         const QColor colour = mark.red ? vintageRed(0.9) : grey(0.0, 0.9);
         const double angle = direction(mark.position);
@@ -141,8 +168,8 @@ void RetroVUMeterView::paintBackground(QPainter& painter, const QSizeF& size) co
 }
 
 void RetroVUMeterView::paintFront(QPainter& painter, const QSizeF& size) const {
-    const double w = meterArea(size).width();
-    const double h = meterArea(size).height();
+    const double w = dialBox(size).width();
+    const double h = dialBox(size).height();
     const QPointF pivot = dialFor(size).pivot;
     painter.save();
     painter.setClipPath(areaClip(size));

@@ -1,6 +1,9 @@
 #include "meters/TapeDeckMeterView.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <numbers>
 
 #include "meters/Colors.h"
 #include "meters/ContinuousRect.h"
@@ -35,6 +38,7 @@ constexpr std::array<ScaleMark, 11> scale{{
     {1.00, "3", true},
 }};
 
+constexpr double faceInset = 6.0;
 constexpr double meterInset = 8.0;
 
 QColor scaleRed(double opacity = 1.0) {
@@ -46,8 +50,26 @@ QRectF meterArea(const QSizeF& size) {
 }
 
 // The needle and scale never draw over the bezel's edge.
+constexpr double clipInset = 4.0;
+
 QPainterPath meterClip(const QSizeF& size) {
-    return continuousRoundedRect(QRectF(QPointF(), size).adjusted(4, 4, -4, -4), 5);
+    return continuousRoundedRect(
+        QRectF(QPointF(), size).adjusted(clipInset, clipInset, -clipInset, -clipInset), 5);
+}
+
+TextStyle labelStyle(bool red) {
+    return {systemFont(9, FontWeight::semibold), red ? scaleRed() : grey(0.0)};
+}
+
+// The scale as drawn: the part of the meter area whose height the geometry scales with. The end
+// labels stand 0.9 R = 1.152 h out at 24 degrees from upright and must stay on the face (inset
+// 6), a point clear of its edge.
+QRectF dialBox(const QSizeF& size) {
+    double widest = 0;
+    for (const ScaleMark& mark : scale)
+        widest = std::max(widest, textWidth(QString::fromLatin1(mark.label), labelStyle(false)));
+    const double reach = 0.9 * 1.28 * std::sin(24.0 * std::numbers::pi / 180.0);
+    return fittedDialBox(meterArea(size), reach, widest / 2 + 1 - (meterInset - faceInset));
 }
 
 }  // namespace
@@ -55,7 +77,7 @@ QPainterPath meterClip(const QSizeF& size) {
 TapeDeckMeterView::TapeDeckMeterView(QString channel) : channel_(std::move(channel)) {}
 
 TapeDeckMeterView::Dial TapeDeckMeterView::dialFor(const QSizeF& size) {
-    const QRectF area = meterArea(size);
+    const QRectF area = dialBox(size);
     return {{area.left() + 0.5 * area.width(), area.top() + 1.55 * area.height()},
             1.28 * area.height()};
 }
@@ -67,25 +89,23 @@ double TapeDeckMeterView::needleDirection(double level) {
 void TapeDeckMeterView::paintBackground(QPainter& painter, const QSizeF& size) const {
     const QRectF box(QPointF(), size);
     drawBezel(painter, box, 8, {grey(0.16), grey(0.05)}, {grey(0.0, 0.5), 3, {0, 2}});
-    fillVertical(painter, box.adjusted(6, 6, -6, -6), 5,
+    fillVertical(painter, box.adjusted(faceInset, faceInset, -faceInset, -faceInset), 5,
                  {rgb(1.00, 0.73, 0.30), rgb(0.96, 0.58, 0.12)});
 
-    const QRectF area = meterArea(size);
+    const QRectF area = dialBox(size);
     const Dial dial = dialFor(size);
     const double r = dial.radius;
     painter.save();
     painter.setClipPath(meterClip(size));
     painter.strokePath(arcPath(dial.pivot, 0.8 * r, needleDirection(0.78), needleDirection(1.0)),
                        QPen(scaleRed(), 4.5, Qt::SolidLine, Qt::FlatCap));
-    const QFont labelFont = systemFont(9, FontWeight::semibold);
     for (const ScaleMark& mark : scale) {
         const double angle = 48.0 * mark.position - 114.0;
         painter.setPen(
             QPen(mark.red ? scaleRed(0.9) : grey(0.0, 0.9), 1.2, Qt::SolidLine, Qt::FlatCap));
         painter.drawLine(polarPoint(dial.pivot, 0.76 * r, angle),
                          polarPoint(dial.pivot, 0.83 * r, angle));
-        drawText(painter, QString::fromLatin1(mark.label),
-                 {labelFont, mark.red ? scaleRed() : grey(0.0)},
+        drawText(painter, QString::fromLatin1(mark.label), labelStyle(mark.red),
                  polarPoint(dial.pivot, 0.9 * r, angle));
     }
     const QFont markFont = systemFont(14, FontWeight::bold);

@@ -1,5 +1,6 @@
 #include "meters/YamahaClassicComboView.h"
 
+#include <QFontMetricsF>
 #include <QLinearGradient>
 #include <cmath>
 
@@ -30,15 +31,26 @@ void paintPlate(QPainter& painter, const QSizeF& size) {
     painter.fillRect(layout.rule, grey(0.28));
 }
 
+TextStyle legendStyle(int size, FontWeight weight, double letterSpacing) {
+    return {systemFont(size, weight, FontDesign::monospaced, letterSpacing), grey(0.72)};
+}
+
+YamahaClassicComboView::LineMetrics metricsOf(const TextStyle& style) {
+    const QFontMetricsF metrics(style.font);
+    return {metrics.ascent(), metrics.descent(), metrics.capHeight()};
+}
+
 void paintLegend(QPainter& painter) {
-    const TextStyle first{systemFont(7, FontWeight::medium, FontDesign::monospaced, 1.2),
-                          grey(0.72)};
-    const TextStyle second{systemFont(6, FontWeight::regular, FontDesign::monospaced, 0.7),
-                           grey(0.72)};
-    drawText(painter, QStringLiteral("NATURAL SOUND"), first, {20, 7}, HorizontalAnchor::left,
-             VerticalAnchor::top);
-    drawText(painter, QStringLiteral("STEREO LEVEL MONITOR"), second,
-             {20, 7 + textHeight(first) + 1}, HorizontalAnchor::left, VerticalAnchor::top);
+    const TextStyle first = legendStyle(7, FontWeight::medium, 1.2);
+    const TextStyle second = legendStyle(6, FontWeight::regular, 0.7);
+    const auto [firstBaseline, secondBaseline] =
+        YamahaClassicComboView::legendBaselines(metricsOf(first), metricsOf(second));
+    const auto drawLine = [&](const QString& text, const TextStyle& style, double baseline) {
+        drawText(painter, text, style, {20, baseline - metricsOf(style).ascent},
+                 HorizontalAnchor::left, VerticalAnchor::top);
+    };
+    drawLine(QStringLiteral("NATURAL SOUND"), first, firstBaseline);
+    drawLine(QStringLiteral("STEREO LEVEL MONITOR"), second, secondBaseline);
 }
 
 }  // namespace
@@ -56,6 +68,16 @@ YamahaClassicComboView::Layout YamahaClassicComboView::layoutFor(const QSizeF& s
     const QRectF rule(16, meters.bottom() + 16, size.width() - 32, 1);
     const QRectF spectrum(18, rule.bottom() + 16, size.width() - 36, spectrumHeight);
     return {meters, rule, spectrum};
+}
+
+std::array<double, 2> YamahaClassicComboView::legendBaselines(const LineMetrics& first,
+                                                              const LineMetrics& second) {
+    // Both lines are capitals only, so each takes its cap height and its descent: the room a
+    // font's ascent leaves above the capitals (for accents) would push the second line onto the
+    // meters with fonts of a tall ascent. The first line hangs 7 points below the plate's top,
+    // the second 1 point below the first.
+    const double firstBaseline = 7 + first.capHeight;
+    return {firstBaseline, firstBaseline + first.descent + 1 + second.capHeight};
 }
 
 void YamahaClassicComboView::setValues(const MeterValues& values) {

@@ -1,6 +1,8 @@
 #pragma once
 // The "Yamaha Classic" style: the front of a hi-fi component, two needle meters side by side
 // above a 12-band display on a dark bevelled faceplate with a small printed legend.
+#include <array>
+
 #include "meters/ChannelPairView.h"
 #include "meters/MeterRenderer.h"
 #include "meters/StaticLayer.h"
@@ -24,6 +26,16 @@ class YamahaClassicComboView final : public MeterRenderer {
         QRectF spectrum;
     };
     static Layout layoutFor(const QSizeF& size);
+
+    // What the legend's placement needs of a font, in points.
+    struct LineMetrics {
+        double ascent;
+        double descent;
+        double capHeight;
+    };
+    // Baselines of the legend's two lines, from the metrics of the fonts they are set in.
+    static std::array<double, 2> legendBaselines(const LineMetrics& first,
+                                                 const LineMetrics& second);
 
   private:
     ChannelPairView meters_;

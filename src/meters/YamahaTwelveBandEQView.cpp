@@ -107,9 +107,6 @@ void YamahaTwelveBandEQView::paint(QPainter& painter, const QSizeF& size) {
         const QRectF box(QPointF(), s);
         p.fillPath(continuousRoundedRect(box, 3), rgb(0.015, 0.045, 0.035));
         strokeInside(p, box, 3, grey(0.0), 2);
-        drawText(p, QStringLiteral("12 BAND SPECTRUM"),
-                 {systemFont(6, FontWeight::medium, FontDesign::monospaced, 0.8), grey(0.48)},
-                 {s.width() - 6, 6}, HorizontalAnchor::right, VerticalAnchor::top);
         const Ladders ladders(s);
         const QFont labelFont = systemFont(7, FontWeight::medium, FontDesign::monospaced);
         for (int n = 0; n < columnCount; ++n) {
@@ -140,6 +137,12 @@ void YamahaTwelveBandEQView::paint(QPainter& painter, const QSizeF& size) {
         lit_.drawPart(painter, QRectF(ladders.columnX(n) - 2.5, top, ladders.columnWidth + 5,
                                       ladders.canvas.top() + ladders.barHeight + 1.0 - top));
     }
+    // The caption is printed on the glass, over the lit segments of the top columns.
+    caption_.draw(painter, size, [](QPainter& p, const QSizeF& s) {
+        drawText(p, QStringLiteral("12 BAND SPECTRUM"),
+                 {systemFont(6, FontWeight::medium, FontDesign::monospaced, 0.8), grey(0.48)},
+                 {s.width() - 6, 6}, HorizontalAnchor::right, VerticalAnchor::top);
+    });
 }
 
 }  // namespace corvanel::meters

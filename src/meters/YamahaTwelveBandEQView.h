@@ -27,6 +27,7 @@ class YamahaTwelveBandEQView {
     std::vector<float> levels_;
     StaticLayer background_;
     StaticLayer lit_;
+    StaticLayer caption_;
 };
 
 }  // namespace corvanel::meters

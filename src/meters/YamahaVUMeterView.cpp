@@ -1,7 +1,10 @@
 #include "meters/YamahaVUMeterView.h"
 
 #include <QLinearGradient>
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <numbers>
 
 #include "meters/Colors.h"
 #include "meters/ContinuousRect.h"
@@ -41,6 +44,21 @@ double needleAngle(double level) {
     return level * 50.0 - 25.0;
 }
 
+QFont labelFont() {
+    return systemFont(7, FontWeight::medium, FontDesign::rounded);
+}
+
+// The dial as drawn: the part of the meter whose height the geometry scales with. The end labels
+// stand 0.88 r = 0.968 h out at 25 degrees from upright, on the scale canvas (itself 3 points in
+// from the meter's edges), and must stay inside it.
+QRectF dialBox(const QSizeF& size) {
+    double widest = 0;
+    for (const ScaleMark& mark : scale)
+        widest = std::max(widest, textWidth(QString::fromUtf16(mark.label), {labelFont(), {}}));
+    const double reach = 0.88 * 1.1 * std::sin(25.0 * std::numbers::pi / 180.0);
+    return fittedDialBox(QRectF(QPointF(), size), reach, widest / 2 + 2 * scaleInset);
+}
+
 }  // namespace
 
 // A little quicker and better damped than the other needles.
@@ -48,7 +66,8 @@ YamahaVUMeterView::YamahaVUMeterView(QString channel)
     : SpringNeedleMeter(0.3, 0.48), channel_(std::move(channel)) {}
 
 YamahaVUMeterView::Dial YamahaVUMeterView::dialFor(const QSizeF& size) {
-    return {{0.5 * size.width(), 1.34 * size.height()}, 1.1 * size.height()};
+    const QRectF box = dialBox(size);
+    return {{0.5 * box.width(), box.top() + 1.34 * box.height()}, 1.1 * box.height()};
 }
 
 void YamahaVUMeterView::paintDial(QPainter& painter, const QSizeF& size) const {
@@ -60,22 +79,22 @@ void YamahaVUMeterView::paintDial(QPainter& painter, const QSizeF& size) const {
     painter.setClipRect(box.adjusted(scaleInset, scaleInset, -scaleInset, -scaleInset));
     painter.translate(scaleInset, scaleInset);
     const Dial dial = dialFor(size);
+    const QRectF scaleBox = dialBox(size);
     const double r = dial.radius;
-    const QFont labelFont = systemFont(7, FontWeight::medium, FontDesign::rounded);
     for (const ScaleMark& mark : scale) {
         const double angle = 50.0 * mark.position - 115.0;
         const QColor colour = mark.red ? dialRed() : grey(0.0, 0.82);
         painter.setPen(QPen(colour, 1, Qt::SolidLine, Qt::FlatCap));
         painter.drawLine(polarPoint(dial.pivot, 0.73 * r, angle),
                          polarPoint(dial.pivot, 0.8 * r, angle));
-        drawText(painter, QString::fromUtf16(mark.label), {labelFont, colour},
+        drawText(painter, QString::fromUtf16(mark.label), {labelFont(), colour},
                  polarPoint(dial.pivot, 0.88 * r, angle));
     }
     painter.strokePath(arcPath(dial.pivot, 0.74 * r, -77.0, -65.0),
                        QPen(dialRed(), 2, Qt::SolidLine, Qt::FlatCap));
     drawText(painter, QStringLiteral("VU"),
              {systemFont(10, FontWeight::semibold, FontDesign::rounded), grey(0.0, 0.72)},
-             {0.5 * size.width(), 0.68 * size.height()});
+             {0.5 * size.width(), scaleBox.top() + 0.68 * scaleBox.height()});
     painter.restore();
 }
 

@@ -3,10 +3,14 @@
 #include <QImage>
 #include <QPainter>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <numbers>
+#include <optional>
 
 #include "meters/CandleRoomLayout.h"
 #include "meters/CandlelightScene.h"
+#include "meters/Noise.h"
 #include "meters/Probe.h"
 
 namespace corvanel::meters {
@@ -147,7 +151,6 @@ TEST(CandlelightScene, SameInputsPaintTheSameFrame) {
     const std::vector<float> levels = {0.1f, 0.8f, 0.4f, 0.0f, 0.3f};
     const QImage first = render(levels, frameTime + 0.25, QSize(480, 300));
     EXPECT_EQ(first, render(levels, frameTime + 0.25, QSize(480, 300)));
-    EXPECT_NE(first, render(levels, frameTime + 0.5, QSize(480, 300)));
 
     // Kept layers do not change what a frame shows.
     application();
@@ -202,15 +205,86 @@ TEST(CandlelightScene, TheRoomGlowsWithTheLoudnessAndTheSnowKeepsFalling) {
     EXPECT_GT(loud.red(), loud.blue());
     // Silence still leaves the faint glow, the same at any moment.
     EXPECT_EQ(silent, glowAt(0.0f, frameTime + 7.3));
+}
 
-    application();
-    const auto snowAt = [](double t) {
-        return probe::render(QSizeF(1600, 1000), [t](QPainter& painter) {
-            CandlelightScene({}, t).drawSnow(painter, QPointF(), QSizeF(1600, 1000));
-        });
+// frac(z) = z - trunc(z), as the flakes' fractions are taken.
+double fraction(double z) {
+    return z - std::trunc(z);
+}
+
+TEST(CandlelightScene, FlameTipsStandWhereLevelSizeAndFlickerPhasePutThem) {
+    // Full level: e = 1. phi = t (0.8 (k mod 7) + 4.5); sway = sin(phi + pi noise(k, 9));
+    // q = 24 + 31 band + trunc(2 phi); the tip is (bx + d, by - h) with
+    // h = u (2.6 + 0.55 + 0.2 noise(q, 5) x 1.4), d = 1.6 (0.3 sway + 0.15 noise(q, 6)) w,
+    // w = 0.48 u and u = size x the picture's height.
+    const QSizeF size(1600, 1000);
+    for (const double t : {frameTime + 0.1, frameTime + 0.37, frameTime + 1.9}) {
+        const CandlelightScene scene(std::vector<float>(40, 1.0f), t);
+        for (std::size_t k = 40; k < 49; ++k) {
+            const FlameAnchor& a = CandlelightScene::anchors()[k];
+            const double phi = t * (0.8 * (a.index % 7) + 4.5);
+            const double sway = std::sin(phi + std::numbers::pi * noise(a.index, 9));
+            const auto q = static_cast<std::int64_t>(24 + 31 * a.band + std::trunc(2 * phi));
+            const double u = size.height() * a.size;
+            const QPointF tip(
+                size.width() * a.x + 1.6 * (0.3 * sway + 0.15 * noise(q, 6)) * 0.48 * u,
+                size.height() * a.y - u * (3.15 + 0.28 * noise(q, 5)));
+            const QImage flame = probe::render(
+                size, [&](QPainter& painter) { scene.drawFlame(a, painter, QPointF(), size); });
+            // The topmost well-covered pixel of the flame lies just under its pointed tip.
+            std::optional<QPoint> top;
+            for (int y = 0; y < flame.height() && !top; ++y)
+                for (int x = int(tip.x() - 2 * u); x <= int(tip.x() + 2 * u) && !top; ++x)
+                    if (qAlpha(flame.pixel(x, y)) > 100) top = QPoint(x, y);
+            ASSERT_TRUE(top.has_value()) << "flame " << k;
+            EXPECT_NEAR(top->y(), tip.y() + 1.5, 2.5) << "flame " << k << " at " << t;
+            EXPECT_NEAR(top->x(), tip.x(), 2.5) << "flame " << k << " at " << t;
+        }
+    }
+}
+
+TEST(CandlelightScene, SnowflakesFallAndDriftOnTheirOwnCourses) {
+    // A picture 4000 x 2000 placed so that its snow box, (0.4575, 0.0354) and 0.0778 x 0.4673
+    // of it, starts at the canvas's corner.
+    const QSizeF drawn(4000, 2000);
+    const QPointF origin(-0.4575 * drawn.width(), -0.0354 * drawn.height());
+    const double boxWidth = 0.0778 * drawn.width();
+    const double boxHeight = 0.4673 * drawn.height();
+    const double columns[2][2] = {{0.4575, 0.4971}, {0.5054, 0.5353}};
+    const double rows[4][2] = {
+        {0.0354, 0.0691}, {0.0815, 0.1878}, {0.2019, 0.3188}, {0.3348, 0.5027}};
+    const auto insidePane = [&](QPointF p, double margin) {
+        const double fx = (p.x() - origin.x()) / drawn.width();
+        const double fy = (p.y() - origin.y()) / drawn.height();
+        const double mx = margin / drawn.width(), my = margin / drawn.height();
+        bool inColumn = false, inRow = false;
+        for (const auto& c : columns)
+            inColumn = inColumn || (fx > c[0] + mx && fx < c[1] - mx);
+        for (const auto& r : rows)
+            inRow = inRow || (fy > r[0] + my && fy < r[1] - my);
+        return inColumn && inRow;
     };
-    EXPECT_NE(snowAt(frameTime), snowAt(frameTime + 0.5));
-    EXPECT_EQ(snowAt(frameTime), snowAt(frameTime));
+    for (const double t : {frameTime, frameTime + 3.3, frameTime + 41.7}) {
+        const QImage snow = probe::render(QSizeF(boxWidth + 2, boxHeight + 2), [&](QPainter& p) {
+            CandlelightScene({}, t).drawSnow(p, origin, drawn);
+        });
+        int visible = 0;
+        for (int i = 0; i < 70; ++i) {
+            const double p1 = (noise(i, 71) + 1) / 2;
+            const double p2 = (noise(i, 72) + 1) / 2;
+            const double p3 = noise(i, 73);
+            const double fy = fraction(7 * p1 + t * (0.035 + 0.055 * p2));
+            double fx = fraction(p1 + (p2 + 0.4) * std::sin(0.7 * t + 10 * p3) * 0.03);
+            if (fx < 0) fx += 1;
+            const double r = drawn.height() * (0.0009 + 0.0016 * p2);
+            const QPointF centre(boxWidth * fx, boxHeight * fy);
+            if (!insidePane(centre, r + 1)) continue;
+            ++visible;
+            EXPECT_GE(qAlpha(snow.pixel(centre.toPoint())), int(0.7 * 255 * (0.28 + 0.42 * p2)))
+                << "flake " << i << " at " << t;
+        }
+        EXPECT_GE(visible, 12) << t;
+    }
 }
 
 TEST(CandlelightScene, LoudnessIsTheMeanOfTheClampedLevels) {

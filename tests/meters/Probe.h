@@ -5,9 +5,13 @@
 #include <QPainter>
 #include <QPointF>
 #include <QSizeF>
+#include <QString>
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <vector>
+
+#include "meters/TextPlacement.h"
 
 namespace corvanel::meters::probe {
 
@@ -84,6 +88,122 @@ inline Led classify(const QColor& c) {
         }
     }
     return best;
+}
+
+}  // namespace corvanel::meters::probe
+
+namespace corvanel::meters::probe {
+
+using InkTest = std::function<bool(const QColor&)>;
+
+// A printed text compared with what a view drew, pixel for pixel. `found`: the share of the
+// text's solid pixels (the text set in its font where the numbers put it) that the view inked;
+// `stray`: the share of the view's ink inside the text's box that lies off the text. A text in
+// its place, spelled as required, finds most of its pixels with little stray ink; one moved by
+// a fraction of its height, or spelled otherwise, does not.
+struct TextFit {
+    double found = 0;
+    double stray = 1;
+    bool matches() const { return found >= 0.6 && stray <= 0.35; }
+};
+
+// Only pixels inside `region` (in points) count when it is given.
+inline TextFit fitText(const QImage& view, const QString& text, const TextStyle& style,
+                       QPointF anchor, const InkTest& isInk,
+                       HorizontalAnchor horizontal = HorizontalAnchor::centre,
+                       VerticalAnchor vertical = VerticalAnchor::centre,
+                       const QRectF& region = QRectF()) {
+    QImage reference(view.size(), QImage::Format_ARGB32_Premultiplied);
+    reference.setDevicePixelRatio(view.devicePixelRatio());
+    reference.fill(Qt::transparent);
+    {
+        QPainter painter(&reference);
+        painter.setRenderHint(QPainter::Antialiasing);
+        drawText(painter, text, {style.font, Qt::black, style.fixedWidthDigits}, anchor, horizontal,
+                 vertical);
+    }
+    const double scale = view.devicePixelRatio();
+    const QRect counted = region.isEmpty()
+                              ? reference.rect()
+                              : QRectF(region.topLeft() * scale, region.size() * scale).toRect();
+    int solid = 0, found = 0, ink = 0, stray = 0;
+    QRect box;
+    for (int y = 0; y < reference.height(); ++y)
+        for (int x = 0; x < reference.width(); ++x) {
+            if (!counted.contains(x, y)) continue;
+            const int alpha = qAlpha(reference.pixel(x, y));
+            if (alpha > 0) box |= QRect(x, y, 1, 1);
+            if (alpha > 160) {
+                ++solid;
+                found += isInk(view.pixelColor(x, y)) ? 1 : 0;
+            }
+        }
+    for (int y = box.top(); y <= box.bottom(); ++y)
+        for (int x = box.left(); x <= box.right(); ++x)
+            if (isInk(view.pixelColor(x, y))) {
+                ++ink;
+                stray += qAlpha(reference.pixel(x, y)) == 0 ? 1 : 0;
+            }
+    return {solid == 0 ? 0.0 : double(found) / solid, ink == 0 ? 1.0 : double(stray) / ink};
+}
+
+// Whether `text` appears whole somewhere inside `within` (in points): its solid pixels, slid
+// over every place where its whole box fits (at whole and half device pixels), are mostly inked
+// at some place.
+inline bool findsWholeText(const QImage& view, const QString& text, const TextStyle& style,
+                           const QRectF& within, const InkTest& isInk) {
+    const double scale = view.devicePixelRatio();
+    const QRect area =
+        QRectF(within.topLeft() * scale, within.size() * scale).toAlignedRect() & view.rect();
+    for (const double phaseX : {0.0, 0.5})
+        for (const double phaseY : {0.0, 0.5}) {
+            QImage glyphs(int(std::ceil(textWidth(text, style) * scale)) + 4,
+                          int(std::ceil(textHeight(style) * scale)) + 4,
+                          QImage::Format_ARGB32_Premultiplied);
+            glyphs.setDevicePixelRatio(scale);
+            glyphs.fill(Qt::transparent);
+            {
+                QPainter painter(&glyphs);
+                painter.setRenderHint(QPainter::Antialiasing);
+                drawText(painter, text, {style.font, Qt::black},
+                         {(2 + phaseX) / scale, (2 + phaseY) / scale}, HorizontalAnchor::left,
+                         VerticalAnchor::top);
+            }
+            std::vector<QPoint> solid;
+            QRect box;
+            for (int y = 0; y < glyphs.height(); ++y)
+                for (int x = 0; x < glyphs.width(); ++x) {
+                    const int alpha = qAlpha(glyphs.pixel(x, y));
+                    if (alpha > 0) box |= QRect(x, y, 1, 1);
+                    if (alpha > 160) solid.emplace_back(x, y);
+                }
+            const double allowed = 0.2 * double(solid.size());
+            for (int oy = area.top() - box.top(); oy + box.bottom() <= area.bottom(); ++oy)
+                for (int ox = area.left() - box.left(); ox + box.right() <= area.right(); ++ox) {
+                    double missed = 0;
+                    for (const QPoint& p : solid) {
+                        missed += isInk(view.pixelColor(p.x() + ox, p.y() + oy)) ? 0 : 1;
+                        if (missed > allowed) break;
+                    }
+                    if (!solid.empty() && missed <= allowed) return true;
+                }
+        }
+    return false;
+}
+
+inline bool isDark(const QColor& c) {
+    return brightness(c) < 100;
+}
+
+// Saturated red printing on a warm face: little green next to the red.
+inline bool isRedInk(const QColor& c) {
+    return c.red() > 120 && c.green() < 0.45 * c.red();
+}
+
+// Light grey printing on a dark face.
+inline bool isGreyInk(const QColor& c) {
+    return brightness(c) > 55 && std::abs(c.red() - c.blue()) < 40 &&
+           std::abs(c.red() - c.green()) < 40;
 }
 
 }  // namespace corvanel::meters::probe

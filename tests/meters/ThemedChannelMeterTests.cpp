@@ -193,11 +193,10 @@ TEST(HoloVUMeterView, SweepsItsArcFromLowerLeftThroughTheTop) {
 }
 
 TEST(RetroVUMeterView, SwingsFortyTwoDegreesEitherSideOfUpright) {
+    // 300 x 220: the meter area is 284 x 204 at (8, 8); pivot (0.5 w, 0.97 h), R = 0.62 h.
     const QSizeF size(300, 220);
-    const RetroVUMeterView::Dial dial = RetroVUMeterView::dialFor(size);
-    EXPECT_DOUBLE_EQ(RetroVUMeterView::direction(0), -132);
-    EXPECT_DOUBLE_EQ(RetroVUMeterView::direction(1), -48);
-    EXPECT_NEAR(RetroVUMeterView::direction(0.72), -71.52, 1e-9);
+    const QPointF pivot(8 + 142, 8 + 0.97 * 204);
+    const double radius = 0.62 * 204;
     const auto needleAt = [&](float level, double degrees) {
         RetroVUMeterView meter(QStringLiteral("L"));
         meter.setLevel(level);
@@ -207,7 +206,7 @@ TEST(RetroVUMeterView, SwingsFortyTwoDegreesEitherSideOfUpright) {
         const double a = degrees * M_PI / 180;
         // Between the hub and the scale, where only the needle is dark on the lamp.
         return probe::brightness(
-            probe::at(image, dial.pivot + QPointF(std::cos(a), std::sin(a)) * 0.75 * dial.radius));
+            probe::at(image, pivot + QPointF(std::cos(a), std::sin(a)) * 0.75 * radius));
     };
     for (const auto& [level, degrees] : {std::pair{0.0f, -132.0}, std::pair{0.72f, -71.52},
                                          std::pair{1.0f, -48.0}, std::pair{1.4f, -48.0}}) {

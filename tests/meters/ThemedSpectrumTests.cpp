@@ -131,24 +131,24 @@ TEST(VintageAnalyzerView, TurnsRedAboveTheReferenceLine) {
     EXPECT_GT(probe::at(half, {x, 11 + Hb * 0.3}).green(), 100);
 }
 
-TEST(PulsarComboView, HasTheStatedGeometry) {
-    const PulsarComboView::Geometry g = PulsarComboView::geometryFor(QSizeF(400, 400));
-    EXPECT_DOUBLE_EQ(g.outer, 182);
-    EXPECT_NEAR(g.core, 54.6, 1e-9);
-    EXPECT_NEAR(g.innerSpoke, 62.6, 1e-9);
-    EXPECT_NEAR(g.span, 119.4, 1e-9);
-}
+// The panel's default area, 460 x 450: the rim's radius is 450 / 2 - 18 = 207 about the
+// centre, the core 0.3 of it, spokes from 8 points beyond the core to the rim.
+const QSizeF pulsarSize(460, 450);
+const QPointF pulsarCentre(230, 225);
+constexpr double pulsarCore = 0.3 * 207;
+constexpr double pulsarInner = pulsarCore + 8;
+constexpr double pulsarSpan = 207 - pulsarInner;
 
 TEST(PulsarComboView, SpokesPointRightDownLeftAndUpForBands10To30And0) {
-    const QSizeF size(400, 400);
-    const PulsarComboView::Geometry g = PulsarComboView::geometryFor(size);
+    const QSizeF size = pulsarSize;
     const QPointF directions[4] = {{1, 0}, {0, 1}, {-1, 0}, {0, -1}};
     const std::size_t bands[4] = {10, 20, 30, 0};
     for (int k = 0; k < 4; ++k) {
         PulsarComboView pulsar;
         const QImage image = renderValues(pulsar, oneBand(bands[k], 1.0f), size);
         for (int d = 0; d < 4; ++d) {
-            const QPointF probePoint = g.centre + directions[d] * (g.innerSpoke + 0.6 * g.span);
+            const QPointF probePoint =
+                pulsarCentre + directions[d] * (pulsarInner + 0.6 * pulsarSpan);
             const double brightness = probe::brightness(probe::at(image, probePoint));
             if (d == k) {
                 EXPECT_GT(brightness, 120) << "band " << bands[k];
@@ -160,12 +160,11 @@ TEST(PulsarComboView, SpokesPointRightDownLeftAndUpForBands10To30And0) {
     // A spoke of half a point or less is not drawn.
     PulsarComboView pulsar;
     EXPECT_EQ(renderValues(pulsar, oneBand(10, 0.0f), size),
-              renderValues(pulsar, oneBand(10, 0.5f / 119.4f), size));
+              renderValues(pulsar, oneBand(10, static_cast<float>(0.5 / pulsarSpan)), size));
 }
 
 TEST(PulsarComboView, HalfRingsFollowTheirChannels) {
-    const QSizeF size(400, 400);
-    const PulsarComboView::Geometry g = PulsarComboView::geometryFor(size);
+    const QSizeF size = pulsarSize;
     PulsarComboView pulsar;
     MeterValues values = oneBand(0, 0.0f);
     values.left = 1.0f;
@@ -173,8 +172,8 @@ TEST(PulsarComboView, HalfRingsFollowTheirChannels) {
     const QImage image = renderValues(pulsar, values, size);
     // Five points out from the ring's circle: inside the 11-point left ring, outside the
     // 2-point right one.
-    const QColor left = probe::at(image, g.centre + QPointF(-(0.95 * g.core + 4), 0));
-    const QColor right = probe::at(image, g.centre + QPointF(0.95 * g.core + 4, 0));
+    const QColor left = probe::at(image, pulsarCentre + QPointF(-(0.95 * pulsarCore + 4), 0));
+    const QColor right = probe::at(image, pulsarCentre + QPointF(0.95 * pulsarCore + 4, 0));
     EXPECT_GT(left.blue(), 180);
     EXPECT_LT(probe::brightness(right), probe::brightness(left) - 80);
 }
