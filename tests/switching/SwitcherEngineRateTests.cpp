@@ -123,7 +123,8 @@ TEST_F(SwitcherEngineRateTest, AMusicAppThatIsNotRunningIsNeverSentAScriptNorLau
     trackStarts(96000);
     EXPECT_EQ(mac.journal, (std::vector<std::string>{"technicals", "state", "pause", "state"}));
     mac.music->setRunning(false);
-    mac.executor->advanceBy(3s);
+    // Long enough for the whole sequence to end, its restart attempts included.
+    mac.executor->advanceBy(10s);
     EXPECT_EQ(mac.journal, (std::vector<std::string>{"technicals", "state", "pause", "state",
                                                      "write 96 on " + std::to_string(speakers)}));
     EXPECT_FALSE(mac.music->isApplicationRunning(MusicScripts::musicBundleIdentifier));
