@@ -29,6 +29,8 @@ struct AppEnvironment {
     std::function<void()> quit;
     // The pointer's position in screen coordinates (the same space as window frames).
     std::function<QPoint()> pointerPosition;
+    // What the popup says about the meters' capture: what is heard, and that nothing is kept.
+    QString privacyNote;
 };
 
 }  // namespace corvanel

@@ -27,10 +27,6 @@ constexpr int rateGridSpacing = 4;
 constexpr double currentRateTolerance = 0.5;
 constexpr double scanSecondsBack = 1800;
 
-const char* const privacyText =
-    "Uses the System Audio Recording permission to see what your Mac plays — output only, never "
-    "the microphone. Analyzed live, never recorded.";
-
 QString rgba(const QColor& color, double opacity) {
     return QStringLiteral("rgba(%1,%2,%3,%4)")
         .arg(color.red())
@@ -93,7 +89,7 @@ ContentView::ContentView(AppEnvironment environment, QWidget* parent)
         stack->addWidget(toggle);
 
     privacyNote_ = makeMessage("privacyNote", style::caption2(), style::secondary());
-    privacyNote_->setText(privacyText);
+    privacyNote_->setText(environment_.privacyNote);
     privacyNote_->setWordWrap(true);
     statusMessage_ = makeMessage("statusMessage", style::caption(), style::orange());
     lastError_ = makeMessage("lastError", style::caption(), style::red());

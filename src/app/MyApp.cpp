@@ -36,6 +36,7 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     environment_.openWindow = [this](const QString& identifier) { openWindow(identifier); };
     environment_.quit = composition_.quit ? composition_.quit : [] { QCoreApplication::quit(); };
     environment_.pointerPosition = [] { return QCursor::pos(); };
+    environment_.privacyNote = composition_.privacyNote;
 
     popup_ = std::make_unique<PopupWindow>();
     content_ = new ContentView(environment_, popup_.get());

@@ -62,6 +62,25 @@ std::variant<std::shared_ptr<ProcessTapHost>, std::string> demoTaps(const AppOpt
     return std::make_shared<SimProcessTapHost>(std::make_shared<MusicSynthesizer>());
 }
 
+// The popup's note on what the meters hear. On macOS it is always the system-audio permission's
+// note; elsewhere it says what this run really listens to.
+QString privacyNoteFor(const AppOptions& options) {
+#if defined(__APPLE__)
+    (void)options;
+    return QStringLiteral(
+        "Uses the System Audio Recording permission to see what your Mac plays — output only, "
+        "never the microphone. Analyzed live, never recorded.");
+#else
+    if (options.audio == AudioSourceChoice::pulse)
+        return QStringLiteral(
+            "Listens to what your computer plays through the sound server — output only, never "
+            "the microphone. Analyzed live, never recorded.");
+    return QStringLiteral(
+        "The meters show the demo's own music; nothing your computer plays is listened to or "
+        "recorded.");
+#endif
+}
+
 }  // namespace
 
 bool hasNativePlatform() {
@@ -88,6 +107,7 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     ports.timeOfDay = systemTimeOfDay;
     composition.windowChrome = desktopWindowChrome();
     composition.makeStatusItem = makeDesktopStatusItem;
+    composition.privacyNote = privacyNoteFor(options);
 #if defined(__APPLE__)
     // macOS: the native status item and window chrome wherever AppKit shows the windows (not on
     // the offscreen platform of headless runs), in the demo too; outside the demo the real

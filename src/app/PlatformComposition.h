@@ -32,6 +32,8 @@ struct Composition {
     std::function<void()> quit;
     // Demo mode's Music app at work; absent otherwise.
     std::shared_ptr<DemoPlayer> demo;
+    // What the popup says about the capture this run uses.
+    QString privacyNote;
 };
 
 // Demo mode's tracks last this long (the playlist repeats).

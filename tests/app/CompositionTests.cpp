@@ -43,6 +43,31 @@ TEST_F(CompositionTest, TheDemoPlatformHasEveryPortAndNoTrayMeansALabelWindow) {
     EXPECT_EQ(choice.labelInterval, Seconds{0});
 }
 
+TEST_F(CompositionTest, ThePrivacyNoteSaysWhatThisRunListensTo) {
+    AppOptions captured = options();
+    captured.audio = AudioSourceChoice::pulse;
+    const auto demo = composePlatform(options(), {});
+    const auto capture = composePlatform(captured, {});
+    ASSERT_TRUE(std::holds_alternative<Composition>(demo));
+    ASSERT_TRUE(std::holds_alternative<Composition>(capture));
+    const QString demoNote = std::get<Composition>(demo).privacyNote;
+    const QString captureNote = std::get<Composition>(capture).privacyNote;
+#if defined(__APPLE__)
+    const QString mac =
+        "Uses the System Audio Recording permission to see what your Mac plays — output only, "
+        "never the microphone. Analyzed live, never recorded.";
+    EXPECT_EQ(demoNote, mac);
+    EXPECT_EQ(captureNote, mac);
+#else
+    EXPECT_EQ(captureNote,
+              "Listens to what your computer plays through the sound server — output only, never "
+              "the microphone. Analyzed live, never recorded.");
+    EXPECT_EQ(demoNote,
+              "The meters show the demo's own music; nothing your computer plays is listened to "
+              "or recorded.");
+#endif
+}
+
 TEST_F(CompositionTest, AnUnreadableAudioFileIsReportedByName) {
     AppOptions withFile = options();
     withFile.audio = AudioSourceChoice::file;
