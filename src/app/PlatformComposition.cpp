@@ -64,6 +64,14 @@ std::variant<std::shared_ptr<ProcessTapHost>, std::string> demoTaps(const AppOpt
 
 }  // namespace
 
+std::optional<std::string> refreshLoginItem() {
+#if defined(__linux__)
+    return XdgAutostart::forCurrentUser().refresh();
+#else
+    return std::nullopt;
+#endif
+}
+
 bool hasNativePlatform() {
 #if defined(__APPLE__)
     return true;
