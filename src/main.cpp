@@ -23,19 +23,11 @@ void quietOffscreenMessages(QtMsgType type, const QMessageLogContext& context,
     std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
 }
 
-// The command line as Qt reads it, without an application object.
-QStringList commandLine(int argc, char* argv[]) {
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
-    return arguments;
-}
-
 }  // namespace
 
 int main(int argc, char* argv[]) {
     // Read before the GUI application exists: --help, --version and mistakes need no display.
-    auto parsed = corvanel::parseOptions(commandLine(argc, argv));
+    auto parsed = corvanel::parseOptions(corvanel::commandLineArguments(argc, argv));
     if (auto* information = std::get_if<corvanel::ProgramInformation>(&parsed)) {
         std::fputs(qPrintable(information->text), stdout);
         return 0;

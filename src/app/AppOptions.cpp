@@ -18,6 +18,17 @@ QString helpText(const QCommandLineParser& parser, const QStringList& arguments)
 
 }  // namespace
 
+// Finder may add a process serial number (-psn_…) to the first start of a downloaded
+// application; Qt drops it, and so does this.
+QStringList commandLineArguments(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        const QString argument = QString::fromLocal8Bit(argv[i]);
+        if (i == 0 || !argument.startsWith("-psn_")) arguments << argument;
+    }
+    return arguments;
+}
+
 std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(

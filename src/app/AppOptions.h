@@ -28,6 +28,9 @@ struct ProgramInformation {
     QString text;
 };
 
+// main's arguments as Qt reads them, without an application object.
+QStringList commandLineArguments(int argc, char* argv[]);
+
 // The options, what --help or --version asked for, or the message saying what is wrong with the
 // command line. Needs no application object, so it runs before the GUI exists.
 std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QStringList& arguments);

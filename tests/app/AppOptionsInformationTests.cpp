@@ -33,5 +33,13 @@ TEST(AppOptionsInformationTest, AMistakeBesideHelpIsStillNamed) {
     EXPECT_TRUE(std::get<QString>(parsed).contains("bogus"));
 }
 
+TEST(AppOptionsInformationTest, TheFindersProcessNumberIsNotAnOption) {
+    char program[] = "Corvanel", serial[] = "-psn_0_4242", demo[] = "--demo";
+    char* argv[] = {program, serial, demo};
+    const QStringList arguments = commandLineArguments(3, argv);
+    EXPECT_EQ(arguments, QStringList({"Corvanel", "--demo"}));
+    ASSERT_TRUE(std::holds_alternative<AppOptions>(parseOptions(arguments)));
+}
+
 }  // namespace
 }  // namespace corvanel
