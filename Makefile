@@ -3,7 +3,7 @@ PRESET ?= default
 JOBS ?= $(shell nproc 2>/dev/null || sysctl -n hw.ncpu 2>/dev/null || echo 2)
 SOURCES = $(shell git ls-files '*.cpp' '*.h' '*.mm' 2>/dev/null)
 
-.PHONY: all bootstrap configure build test test-default test-libcxx test-sanitizers run bench format mac-check clean
+.PHONY: all bootstrap configure build test test-default test-libcxx test-sanitizers test-install package run bench format mac-check clean
 
 all: build
 
@@ -16,7 +16,7 @@ configure: bootstrap
 build: configure
 	@cmake --build --preset $(PRESET) -j $(JOBS)
 
-test: test-default test-libcxx test-sanitizers
+test: test-default test-libcxx test-sanitizers test-install
 
 test-default:
 	@$(MAKE) --no-print-directory build PRESET=default
@@ -44,6 +44,18 @@ test-sanitizers: bootstrap
 	@cmake --preset tsan >/dev/null
 	@cmake --build --preset tsan -j $(JOBS)
 	@ctest --preset tsan -j $(JOBS) -LE linux
+
+# A packager's Release build, installed into a temporary folder and packaged, then checked.
+test-install: bootstrap
+	@scripts/test-install build/release
+
+# The package for this system from that build: a .deb on Linux, a .dmg with Corvanel.app on
+# macOS, in build/release/packages/.
+package: bootstrap
+	@cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVANEL_HOST_VECTOR=OFF \
+		-DCORVANEL_BUILD_TESTS=OFF -DCORVANEL_BUILD_BENCH=OFF >/dev/null
+	@cmake --build build/release -j $(JOBS)
+	@cd build/release && cpack
 
 run: build
 	@scripts/run build/$(PRESET)

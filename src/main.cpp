@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <optional>
 
+#include "CorvanelIdentity.h"
+
 #include "app/AppOptions.h"
 #include "app/AppStyle.h"
 #include "app/HeadlessRun.h"
@@ -24,20 +26,29 @@ void quietOffscreenMessages(QtMsgType type, const QMessageLogContext& context,
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    // Read before the GUI application exists: --help, --version and mistakes need no display.
+    auto parsed = corvanel::parseOptions(corvanel::commandLineArguments(argc, argv));
+    if (auto* information = std::get_if<corvanel::ProgramInformation>(&parsed)) {
+        std::fputs(qPrintable(information->text), stdout);
+        return 0;
+    }
+    if (auto* message = std::get_if<QString>(&parsed)) {
+        std::fprintf(stderr, "%s\n", qPrintable(*message));
+        return 2;
+    }
+    corvanel::AppOptions options = std::get<corvanel::AppOptions>(parsed);
+    // A headless run draws only into images, so it never needs (or touches) a display.
+    if (options.headless) qputenv("QT_QPA_PLATFORM", "offscreen");
+
     QApplication application(argc, argv);
     QApplication::setApplicationName("Corvanel");
     QApplication::setOrganizationName("Corvanel");
+    // Lets Wayland compositors match the windows to the installed desktop entry and its icon.
+    QGuiApplication::setDesktopFileName(corvanel::applicationId);
     // A menu-bar utility: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(corvanel::style::darkPalette());
-
-    auto parsed = corvanel::parseOptions(QApplication::arguments());
-    if (auto* message = std::get_if<QString>(&parsed)) {
-        std::fprintf(stderr, "%s\n", qPrintable(*message));
-        return message->startsWith("Usage:") ? 0 : 2;
-    }
-    corvanel::AppOptions options = std::get<corvanel::AppOptions>(parsed);
     if (!corvanel::hasNativePlatform()) options.demo = true;
 
     auto composed = corvanel::composePlatform(
@@ -50,6 +61,11 @@ int main(int argc, char* argv[]) {
     if (auto* message = std::get_if<std::string>(&composed)) {
         std::fprintf(stderr, "%s\n", message->c_str());
         return 1;
+    }
+    // A headless run is a diagnostic, not the user's copy: it leaves the login item alone.
+    if (!options.headless) {
+        if (const auto failure = corvanel::refreshLoginItem())
+            std::fprintf(stderr, "Could not update the login item: %s\n", failure->c_str());
     }
     corvanel::MyApp app(std::move(std::get<corvanel::Composition>(composed)));
     app.start();

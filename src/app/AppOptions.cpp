@@ -1,12 +1,13 @@
 #include "app/AppOptions.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <limits>
 
+#include "CorvanelIdentity.h"
 #include "switching/NumberText.h"
 
 namespace corvanel {
-
 namespace {
 
 // The run ends on a timer counted in whole milliseconds in a signed 32-bit integer.
@@ -19,13 +20,36 @@ std::optional<double> headlessDuration(const QString& text) {
     return seconds;
 }
 
+// Qt names the program in the usage line only once an application object exists, and the
+// options are read before one does.
+QString helpText(const QCommandLineParser& parser, const QStringList& arguments) {
+    const QString program = QFileInfo(arguments.value(0, "corvanel")).fileName();
+    const QString text = parser.helpText();
+    return "Usage: " + program + " [options]" + text.mid(text.indexOf('\n'));
+}
+
 }  // namespace
 
-std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
+// Finder may add a process serial number (-psn_…) to the first start of a downloaded
+// application; Qt drops it, and so does this.
+QStringList commandLineArguments(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        const QString argument = QString::fromLocal8Bit(argv[i]);
+        if (i == 0 || !argument.startsWith("-psn_")) arguments << argument;
+    }
+    return arguments;
+}
+
+std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         "Keeps the output device at the playing track's sample rate and shows live meters.");
-    parser.addHelpOption();
+    // Our own help and version options, not Qt's: its --help-all lists Qt's own options
+    // (-platform, -style), which are not read, as the options are read before the application
+    // exists. Qt's environment variables (QT_QPA_PLATFORM, ...) do the same.
+    const QCommandLineOption help({"h", "help"}, "Print these options and exit.");
+    const QCommandLineOption version({"v", "version"}, "Print the version and exit.");
     const QCommandLineOption demo("demo", "Run with a simulated Music app and DAC.");
     const QCommandLineOption headless(
         "headless", "Run the demo without windows for --duration seconds, printing the activity.");
@@ -40,9 +64,12 @@ std::variant<AppOptions, QString> parseOptions(const QStringList& arguments) {
     const QCommandLineOption settings("settings", "Keep settings in this file.", "file");
     const QCommandLineOption open("open", "Open popup, panel or visualizer at start (repeatable).",
                                   "window");
-    parser.addOptions({demo, headless, duration, snapshots, audio, capture, settings, open});
+    parser.addOptions(
+        {help, version, demo, headless, duration, snapshots, audio, capture, settings, open});
     if (!parser.parse(arguments)) return parser.errorText();
-    if (parser.isSet("help")) return parser.helpText();
+    if (parser.isSet(help)) return ProgramInformation{helpText(parser, arguments)};
+    if (parser.isSet(version))
+        return ProgramInformation{QStringLiteral("Corvanel %1\n").arg(projectVersion)};
     if (!parser.positionalArguments().isEmpty())
         return "Unknown argument: " + parser.positionalArguments().first();
 

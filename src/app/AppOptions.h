@@ -23,7 +23,16 @@ struct AppOptions {
     QStringList openAtStart;
 };
 
-// The options, or the message saying what is wrong with the command line.
-std::variant<AppOptions, QString> parseOptions(const QStringList& arguments);
+// What --help or --version asked to print; the program prints it and ends successfully.
+struct ProgramInformation {
+    QString text;
+};
+
+// main's arguments as Qt reads them, without an application object.
+QStringList commandLineArguments(int argc, char* argv[]);
+
+// The options, what --help or --version asked for, or the message saying what is wrong with the
+// command line. Needs no application object, so it runs before the GUI exists.
+std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QStringList& arguments);
 
 }  // namespace corvanel

@@ -83,6 +83,14 @@ QString privacyNoteFor(const AppOptions& options) {
 
 }  // namespace
 
+std::optional<std::string> refreshLoginItem() {
+#if defined(__linux__)
+    return XdgAutostart::forCurrentUser().refresh();
+#else
+    return std::nullopt;
+#endif
+}
+
 bool hasNativePlatform() {
 #if defined(__APPLE__)
     return true;

@@ -4,6 +4,7 @@
 // shell's own platform pieces, the status item and the window chrome, are chosen here too.
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -44,6 +45,11 @@ inline constexpr double trayLabelsPerSecond = 10;
 // The composition, or the message that says why it cannot be built (an unreadable audio file).
 std::variant<Composition, std::string> composePlatform(const AppOptions& options,
                                                        LocalWorkspace::Actions workspaceActions);
+
+// Brings the user's login item up to date with this program when the application starts: on
+// Linux an autostart entry left by a moved or another copy is rewritten to start this one. The
+// message says why it could not be; macOS keeps its login items itself.
+std::optional<std::string> refreshLoginItem();
 
 // Whether this platform has native adapters for the Music app and the hardware; without them
 // every run is a demo.

@@ -27,7 +27,6 @@
 #include "platform/qt/QtMainExecutor.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "platform/qt/QtTimeOfDay.h"
-#include "platform/qt/XdgAutostart.h"
 
 namespace corvanel {
 namespace {
@@ -265,48 +264,6 @@ TEST(LocalWorkspaceTest, ApplicationsAreFilesAndActivationIsPassedOn) {
     EXPECT_TRUE(workspace.hasApplication(QCoreApplication::applicationFilePath().toStdString()));
     workspace.activateSelf();
     EXPECT_EQ(activations, 1);
-}
-
-}  // namespace
-}  // namespace corvanel
-
-namespace corvanel {
-namespace {
-
-TEST(XdgAutostartTest, RegisteringWritesAnEntryThatRunsThisExecutable) {
-    QTemporaryDir home;
-    const QString entry = home.filePath("config/autostart/corvanel.desktop");
-    XdgAutostart autostart(entry, "/opt/Corvanel \"beta\"/corvanel");
-    EXPECT_EQ(autostart.status(), LoginItemStatus::notRegistered);
-
-    EXPECT_EQ(autostart.registerApp(), std::nullopt);
-    EXPECT_EQ(autostart.status(), LoginItemStatus::enabled);
-    QFile file(entry);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(file.readAll().contains("Exec=\"/opt/Corvanel \\\"beta\\\"/corvanel\"\n"));
-
-    EXPECT_EQ(autostart.unregisterApp(), std::nullopt);
-    EXPECT_EQ(autostart.status(), LoginItemStatus::notRegistered);
-    EXPECT_EQ(autostart.unregisterApp(), std::nullopt);  // nothing left to remove
-}
-
-TEST(XdgAutostartTest, AnEntrySwitchedOffByTheDesktopIsNotEnabledAndFailuresAreWorded) {
-    QTemporaryDir home;
-    const QString entry = home.filePath("corvanel.desktop");
-    QFile file(entry);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[Desktop Entry]\nExec=corvanel\nHidden=true\n");
-    file.close();
-    EXPECT_EQ(XdgAutostart(entry, "corvanel").status(), LoginItemStatus::notRegistered);
-
-    // The autostart folder cannot be made where a plain file stands.
-    QFile blocker(home.filePath("blocked"));
-    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-    const auto failure =
-        XdgAutostart(home.filePath("blocked/autostart/corvanel.desktop"), "corvanel").registerApp();
-    ASSERT_TRUE(failure);
-    EXPECT_NE(failure->find("blocked"), std::string::npos);
 }
 
 }  // namespace

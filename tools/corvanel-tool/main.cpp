@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "CorvanelIdentity.h"
 #include "ToolCommand.h"
 
 namespace corvanel::tool {
@@ -19,7 +20,9 @@ RegisterCommand::RegisterCommand(ToolCommand command) {
 namespace {
 
 int printUsage(std::FILE* stream) {
-    std::fprintf(stream, "usage: corvanel-tool COMMAND [ARGUMENTS]\n\ncommands:\n");
+    std::fprintf(stream,
+                 "usage: corvanel-tool COMMAND [ARGUMENTS]\n"
+                 "       corvanel-tool --help | --version\n\ncommands:\n");
     auto commands = registeredCommands();
     std::sort(commands.begin(), commands.end(),
               [](const ToolCommand& a, const ToolCommand& b) { return a.name < b.name; });
@@ -37,6 +40,10 @@ int main(int argc, char** argv) {
     if (argc < 2) return printUsage(stderr);
     const std::string name = argv[1];
     if (name == "help" || name == "--help" || name == "-h") return printUsage(stdout);
+    if (name == "--version") {
+        std::printf("corvanel-tool %s\n", corvanel::projectVersion);
+        return 0;
+    }
     for (const ToolCommand& command : registeredCommands()) {
         if (command.name == name)
             return command.run(std::vector<std::string>(argv + 2, argv + argc));

@@ -7,15 +7,74 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
-namespace corvanel {
+#include "CorvanelIdentity.h"
 
-XdgAutostart::XdgAutostart(QString entryPath, QString executable)
-    : entryPath_(std::move(entryPath)), executable_(std::move(executable)) {}
+namespace corvanel {
+namespace {
+
+QString quotedArgument(QString argument) {
+    argument.replace("\\", "\\\\").replace("\"", "\\\"");
+    return "\"" + argument + "\"";
+}
+
+// The Exec line of a desktop entry's main group, or nothing.
+std::optional<QString> execLine(const QString& desktopEntryPath) {
+    if (desktopEntryPath.isEmpty()) return std::nullopt;  // not installed
+    QFile entry(desktopEntryPath);
+    if (!entry.open(QIODevice::ReadOnly | QIODevice::Text)) return std::nullopt;
+    bool inMainGroup = false;
+    while (!entry.atEnd()) {
+        const QString line = QString::fromUtf8(entry.readLine()).trimmed();
+        if (line.startsWith('['))
+            inMainGroup = line == "[Desktop Entry]";
+        else if (inMainGroup && line.startsWith("Exec="))
+            return line.mid(5);
+    }
+    return std::nullopt;
+}
+
+// The program an Exec line starts (its first argument, quoted or not), found the way the
+// desktop finds it: a path as written, a bare name on PATH.
+QString programOf(const QString& exec) {
+    QString program;
+    if (exec.startsWith('"')) {
+        for (qsizetype i = 1; i < exec.size() && exec[i] != '"'; ++i) {
+            if (exec[i] == '\\' && i + 1 < exec.size()) ++i;
+            program += exec[i];
+        }
+    } else {
+        program = exec.section(' ', 0, 0);
+    }
+    if (program.contains('/')) return program;
+    return QStandardPaths::findExecutable(program);
+}
+
+bool sameFile(const QString& a, const QString& b) {
+    const QString canonical = QFileInfo(a).canonicalFilePath();
+    return !canonical.isEmpty() && canonical == QFileInfo(b).canonicalFilePath();
+}
+
+}  // namespace
+
+XdgAutostart::XdgAutostart(QString entryPath, Launcher launcher)
+    : entryPath_(std::move(entryPath)), launcher_(std::move(launcher)) {}
 
 XdgAutostart XdgAutostart::forCurrentUser() {
     const QString config = QStandardPaths::writableLocation(QStandardPaths::ConfigLocation);
-    return XdgAutostart(config + "/autostart/corvanel.desktop",
-                        QCoreApplication::applicationFilePath());
+    const QString desktopEntry = QString(applicationId) + ".desktop";
+    return XdgAutostart(
+        config + "/autostart/" + desktopEntry,
+        launcherFor(QCoreApplication::applicationFilePath(),
+                    QStandardPaths::locate(QStandardPaths::ApplicationsLocation, desktopEntry)));
+}
+
+XdgAutostart::Launcher XdgAutostart::launcherFor(const QString& runningProgram,
+                                                 const QString& desktopEntryPath) {
+    if (const auto exec = execLine(desktopEntryPath)) {
+        const QString program = programOf(*exec);
+        if (sameFile(program, runningProgram)) return {*exec, program};
+    }
+    return {quotedArgument(runningProgram), runningProgram};
 }
 
 LoginItemStatus XdgAutostart::status() {
@@ -28,18 +87,21 @@ LoginItemStatus XdgAutostart::status() {
     return LoginItemStatus::enabled;
 }
 
+QByteArray XdgAutostart::entryText() const {
+    return QStringLiteral(
+               "[Desktop Entry]\nType=Application\nName=Corvanel\n"
+               "Comment=Follows the playing track's sample rate\n"
+               "Exec=%1\nTryExec=%2\nTerminal=false\nX-GNOME-Autostart-enabled=true\n")
+        .arg(launcher_.exec, launcher_.program)
+        .toUtf8();
+}
+
 std::optional<std::string> XdgAutostart::registerApp() {
     if (!QDir().mkpath(QFileInfo(entryPath_).absolutePath()))
         return "Could not create the folder of " + entryPath_.toStdString();
     QSaveFile entry(entryPath_);
     if (!entry.open(QIODevice::WriteOnly)) return entry.errorString().toStdString();
-    QString quoted = executable_;
-    quoted.replace("\\", "\\\\").replace("\"", "\\\"");
-    entry.write(QStringLiteral("[Desktop Entry]\nType=Application\nName=Corvanel\n"
-                               "Comment=Follows the playing track's sample rate\n"
-                               "Exec=\"%1\"\nTerminal=false\nX-GNOME-Autostart-enabled=true\n")
-                    .arg(quoted)
-                    .toUtf8());
+    entry.write(entryText());
     if (!entry.commit()) return entry.errorString().toStdString();
     return std::nullopt;
 }
@@ -48,6 +110,13 @@ std::optional<std::string> XdgAutostart::unregisterApp() {
     QFile entry(entryPath_);
     if (!entry.exists() || entry.remove()) return std::nullopt;
     return entry.errorString().toStdString();
+}
+
+std::optional<std::string> XdgAutostart::refresh() {
+    if (status() != LoginItemStatus::enabled) return std::nullopt;
+    QFile entry(entryPath_);
+    if (entry.open(QIODevice::ReadOnly) && entry.readAll() == entryText()) return std::nullopt;
+    return registerApp();
 }
 
 }  // namespace corvanel
