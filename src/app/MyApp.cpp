@@ -23,7 +23,7 @@ constexpr Seconds demoStartDelay{1.0};
 
 MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     const PlatformPorts& ports = composition_.ports;
-    ports.workspace->askOlderCopiesToQuit();
+    if (composition_.singleInstance) ports.workspace->askOlderCopiesToQuit();
 #if defined(Q_OS_MACOS)
     ports.settings->write(statusItemPositionKey, leftmostPosition);
 #endif

@@ -83,7 +83,8 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     ports.executor = executor;
     ports.settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
                                           : std::make_shared<QtSettingsStore>();
-    ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultServerName(),
+    composition.singleInstance = !options.headless;
+    ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultSocketPath(),
                                                        std::move(workspaceActions));
     ports.timeOfDay = systemTimeOfDay;
     composition.windowChrome = desktopWindowChrome();

@@ -30,6 +30,8 @@ struct Composition {
     std::function<StatusItemChoice()> makeStatusItem;
     // Demo mode's Music app at work; absent otherwise.
     std::shared_ptr<DemoPlayer> demo;
+    // Copies a user starts keep to one; a headless diagnostic run leaves the running copy alone.
+    bool singleInstance = true;
 };
 
 // Demo mode's tracks last this long (the playlist repeats).

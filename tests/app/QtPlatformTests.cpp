@@ -3,13 +3,16 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QLocale>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QThread>
 #include <atomic>
 #include <memory>
+#include <thread>
 
 #include "GuiApplication.h"
 #include "platform/qt/LocalWorkspace.h"
@@ -139,6 +142,39 @@ TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {
     QLocalSocket probe;
     probe.connectToServer(name);
     EXPECT_TRUE(probe.waitForConnected(1000));
+}
+
+TEST(LocalWorkspaceTest, AClientThatNeverEndsItsLineIsCutOffAndQuitsNothing) {
+    testing::guiApplication();
+    QTemporaryDir folder;
+    const QString socket = folder.filePath("corvanel.socket");
+    int quits = 0;
+    LocalWorkspace running(socket, {.quit = [&] { ++quits; }, .activate = {}});
+    running.askOlderCopiesToQuit();
+    ASSERT_TRUE(running.isListening());
+
+    // The client streams from its own thread while this one runs the copy's event loop.
+    std::atomic<bool> done = false;
+    std::atomic<bool> cutOff = false;
+    std::thread client([&] {
+        QLocalSocket stream;
+        stream.connectToServer(socket);
+        if (stream.waitForConnected(5000)) {
+            const QByteArray chunk(64 * 1024, 'x');
+            for (int i = 0; i < 64 && stream.state() == QLocalSocket::ConnectedState; ++i) {
+                stream.write(chunk);
+                stream.waitForBytesWritten(1000);
+            }
+            cutOff = stream.state() == QLocalSocket::UnconnectedState ||
+                     stream.waitForDisconnected(5000);
+        }
+        done = true;
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done.load(); }, 60000));
+    client.join();
+    EXPECT_TRUE(cutOff);
+    EXPECT_EQ(quits, 0);
+    EXPECT_TRUE(running.isListening());
 }
 
 TEST(LocalWorkspaceTest, ApplicationsAreFilesAndActivationIsPassedOn) {
