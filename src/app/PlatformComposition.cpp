@@ -81,8 +81,10 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     PlatformPorts& ports = composition.ports;
     auto executor = std::make_shared<QtMainExecutor>();
     ports.executor = executor;
-    ports.settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
-                                          : std::make_shared<QtSettingsStore>();
+    auto settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
+                                         : std::make_shared<QtSettingsStore>();
+    composition.settingsNotice = settings->startupNotice();
+    ports.settings = std::move(settings);
     composition.singleInstance = !options.headless;
     ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultSocketPath(),
                                                        std::move(workspaceActions));

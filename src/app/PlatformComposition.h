@@ -4,6 +4,7 @@
 // shell's own platform pieces, the status item and the window chrome, are chosen here too.
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -32,6 +33,9 @@ struct Composition {
     std::shared_ptr<DemoPlayer> demo;
     // Copies a user starts keep to one; a headless diagnostic run leaves the running copy alone.
     bool singleInstance = true;
+    // What the user is told once in the activity log about the settings file, when it could
+    // not be read.
+    std::optional<std::string> settingsNotice;
 };
 
 // Demo mode's tracks last this long (the playlist repeats).

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QThread>
 #include <atomic>
+#include <limits>
 #include <memory>
 #include <thread>
 
@@ -78,15 +79,64 @@ TEST_F(QtSettingsStoreTest, ForeignValueTypesReadAsOtherAndSurviveOurWrites) {
     EXPECT_EQ(reopened.read("pauseDuringSwitch"), SettingValue(true));
 }
 
-TEST_F(QtSettingsStoreTest, AnUnreadableFileReadsAsEmptyWithoutCrashing) {
+TEST_F(QtSettingsStoreTest, ABrokenFileIsKeptAsItWasAndWhatStillReadsCarriesOver) {
+    struct Case {
+        const char* text;
+        qsizetype recovered;
+    };
+    const Case cases[] = {
+        {R"({"autoSwitchEnabled": false, "panelMeterStyle": "ledrack",})", 2},
+        {R"({"autoSwitchEnabled": false, "spectrumEnabled": [true, {"a": "}"}], "panelMeter)", 2},
+        {"{ not json", 0},
+        {"", 0},
+    };
+    for (const Case& broken : cases) {
+        SCOPED_TRACE(broken.text);
+        QTemporaryDir folder;
+        const QString file = folder.filePath("settings.json");
+        {
+            QFile out(file);
+            ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+            // An empty file is a fresh store, not a broken one.
+            out.write(broken.text);
+        }
+        {
+            QtSettingsStore store(file);
+            store.write("pauseDuringSwitch", true);
+            const bool empty = QByteArray(broken.text).isEmpty();
+            ASSERT_EQ(store.startupNotice().has_value(), !empty);
+            if (empty) continue;
+            EXPECT_NE(store.startupNotice()->find(std::to_string(broken.recovered) + " setting"),
+                      std::string::npos)
+                << *store.startupNotice();
+        }
+        const QStringList kept = QDir(folder.path()).entryList({"settings.json.unreadable-*"});
+        ASSERT_EQ(kept.size(), 1);
+        QFile aside(folder.filePath(kept.front()));
+        ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+        EXPECT_EQ(aside.readAll(), QByteArray(broken.text));
+
+        const QtSettingsStore reopened(file);
+        EXPECT_FALSE(reopened.startupNotice());  // told once
+        EXPECT_EQ(reopened.read("pauseDuringSwitch"), SettingValue(true));
+        EXPECT_EQ(readBool(reopened, "autoSwitchEnabled", true), broken.recovered == 0);
+    }
+}
+
+TEST_F(QtSettingsStoreTest, NumbersAtTheEdgesOf64BitsReadAsWhatTheyAre) {
     {
         QFile file(path());
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("{ not json");
+        file.write(R"({"max": 9223372036854775807, "min": -9223372036854775808,
+                       "below": 9223372036854774784, "huge": -1e300, "half": 0.5})");
     }
     const QtSettingsStore store(path());
-    EXPECT_EQ(store.read("autoSwitchEnabled"), SettingValue(std::monostate{}));
-    EXPECT_TRUE(readBool(store, "autoSwitchEnabled", true));
+    // 9223372036854775807 reaches a double as 2^63, one past the largest 64-bit integer.
+    EXPECT_EQ(store.read("max"), SettingValue(OtherSettingValue{}));
+    EXPECT_EQ(store.read("min"), SettingValue(std::numeric_limits<std::int64_t>::min()));
+    EXPECT_EQ(store.read("below"), SettingValue(std::int64_t{9223372036854774784}));
+    EXPECT_EQ(store.read("huge"), SettingValue(OtherSettingValue{}));
+    EXPECT_EQ(store.read("half"), SettingValue(OtherSettingValue{}));
 }
 
 TEST(QtTimeOfDayTest, UsesTheLongTimeStyleWithoutTheZone) {

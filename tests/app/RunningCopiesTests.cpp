@@ -1,6 +1,6 @@
 // The real application as a user starts it, each test with a home and runtime folder of its
-// own: copies started at the same moment leave exactly one running, and a headless diagnostic
-// run leaves the user's copy alone.
+// own: copies started at the same moment leave exactly one running, a headless diagnostic run
+// leaves the user's copy alone, and a settings file that cannot be read outlives the run.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "GuiApplication.h"
+#include "platform/qt/QtSettingsStore.h"
 
 namespace corvanel {
 namespace {
@@ -139,6 +140,34 @@ TEST_F(RunningCopies, AHeadlessRunLeavesTheUsersCopyRunning) {
     QTest::qWait(1000);
     EXPECT_EQ(users.state(), QProcess::Running);
     EXPECT_TRUE(runtimeHasSocket());
+}
+
+TEST_F(RunningCopies, AnUnreadableSettingsFileOutlivesTheRunAndTheUserIsToldOnce) {
+    const QByteArray broken = R"({"autoSwitchEnabled": false, "panelMeterStyle": "ledrack",)"
+                              "\n}\n";
+    {
+        QFile settings(file("settings.json"));
+        ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+        settings.write(broken);
+    }
+    const QStringList withFile{"--settings", file("settings.json")};
+    const QString first = headlessRun(withFile);
+    EXPECT_TRUE(
+        first.contains("  Settings file could not be read \u2014 kept as "
+                       "settings.json.unreadable-"))
+        << first.toStdString();
+    EXPECT_TRUE(first.contains(", 2 settings recovered\n")) << first.toStdString();
+
+    const QStringList kept = QDir(home()).entryList({"settings.json.unreadable-*"});
+    ASSERT_EQ(kept.size(), 1);
+    QFile aside(QDir(home()).filePath(kept.front()));
+    ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+    EXPECT_EQ(aside.readAll(), broken);
+    EXPECT_EQ(QtSettingsStore(file("settings.json")).read("autoSwitchEnabled"),
+              SettingValue(false));
+
+    const QString second = headlessRun(withFile);
+    EXPECT_FALSE(second.contains("Settings file")) << second.toStdString();
 }
 
 }  // namespace
