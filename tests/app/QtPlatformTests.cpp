@@ -88,7 +88,6 @@ TEST_F(QtSettingsStoreTest, ABrokenFileIsKeptAsItWasAndWhatStillReadsCarriesOver
         {R"({"autoSwitchEnabled": false, "panelMeterStyle": "ledrack",})", 2},
         {R"({"autoSwitchEnabled": false, "spectrumEnabled": [true, {"a": "}"}], "panelMeter)", 2},
         {"{ not json", 0},
-        {"", 0},
     };
     for (const Case& broken : cases) {
         SCOPED_TRACE(broken.text);
@@ -97,15 +96,12 @@ TEST_F(QtSettingsStoreTest, ABrokenFileIsKeptAsItWasAndWhatStillReadsCarriesOver
         {
             QFile out(file);
             ASSERT_TRUE(out.open(QIODevice::WriteOnly));
-            // An empty file is a fresh store, not a broken one.
             out.write(broken.text);
         }
         {
             QtSettingsStore store(file);
             store.write("pauseDuringSwitch", true);
-            const bool empty = QByteArray(broken.text).isEmpty();
-            ASSERT_EQ(store.startupNotice().has_value(), !empty);
-            if (empty) continue;
+            ASSERT_TRUE(store.startupNotice());
             EXPECT_NE(store.startupNotice()->find(std::to_string(broken.recovered) + " setting"),
                       std::string::npos)
                 << *store.startupNotice();
@@ -153,7 +149,8 @@ TEST(QtTimeOfDayTest, UsesTheLongTimeStyleWithoutTheZone) {
 
 TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {
     testing::guiApplication();
-    const QString name = QStringLiteral("corvanel-test-%1").arg(QCoreApplication::applicationPid());
+    QTemporaryDir folder;
+    const QString name = folder.filePath("corvanel.socket");
     // The older copy answers from its own event loop, as a separate process would.
     QThread olderThread;
     QObject olderContext;

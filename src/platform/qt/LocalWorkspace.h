@@ -22,8 +22,8 @@ class LocalWorkspace final : public Workspace {
     // is dropped, so a stray client cannot make this copy read without end.
     static constexpr qint64 longestRequest = 64;
 
-    // `socketPath`: the socket every copy of the application shares, in a folder where only
-    // this user can create names.
+    // `socketPath`: the absolute path of the socket every copy of the application shares, in a
+    // folder where only this user can create names.
     LocalWorkspace(QString socketPath, Actions actions);
     ~LocalWorkspace() override;
 
