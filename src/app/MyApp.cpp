@@ -23,12 +23,13 @@ constexpr Seconds demoStartDelay{1.0};
 
 MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     const PlatformPorts& ports = composition_.ports;
-    ports.workspace->askOlderCopiesToQuit();
+    if (composition_.singleInstance) ports.workspace->askOlderCopiesToQuit();
 #if defined(Q_OS_MACOS)
     ports.settings->write(statusItemPositionKey, leftmostPosition);
 #endif
 
     environment_.engine = SwitcherEngine::create(ports);
+    if (composition_.settingsNotice) environment_.engine->logLine(*composition_.settingsNotice);
     environment_.executor = ports.executor;
     environment_.settings = ports.settings;
     environment_.workspace = ports.workspace;

@@ -1,7 +1,7 @@
 #pragma once
 // The application: one engine for the whole run, the status item with its live label and the
-// popup below it, and the panel and visualizer windows opened by identifier. The newest copy of
-// the application asks older ones to quit before anything else happens.
+// popup below it, and the panel and visualizer windows opened by identifier. The newest copy a
+// user starts asks older ones to quit before anything else happens; a headless run does not.
 #include <QObject>
 #include <memory>
 

@@ -108,9 +108,12 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     PlatformPorts& ports = composition.ports;
     auto executor = std::make_shared<QtMainExecutor>();
     ports.executor = executor;
-    ports.settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
-                                          : std::make_shared<QtSettingsStore>();
-    ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultServerName(),
+    auto settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
+                                         : std::make_shared<QtSettingsStore>();
+    composition.settingsNotice = settings->startupNotice();
+    ports.settings = std::move(settings);
+    composition.singleInstance = !options.headless;
+    ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultSocketPath(),
                                                        std::move(workspaceActions));
     ports.timeOfDay = systemTimeOfDay;
     composition.windowChrome = desktopWindowChrome();

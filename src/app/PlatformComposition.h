@@ -35,6 +35,11 @@ struct Composition {
     std::shared_ptr<DemoPlayer> demo;
     // What the popup says about the capture this run uses.
     QString privacyNote;
+    // Copies a user starts keep to one; a headless diagnostic run leaves the running copy alone.
+    bool singleInstance = true;
+    // What the user is told once in the activity log about the settings file, when it could
+    // not be read.
+    std::optional<std::string> settingsNotice;
 };
 
 // Demo mode's tracks last this long (the playlist repeats).

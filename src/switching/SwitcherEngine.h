@@ -66,6 +66,9 @@ class SwitcherEngine : public std::enable_shared_from_this<SwitcherEngine> {
     Task<> scan(double secondsBack);
     // Sets the rate on the device at once (the menu's manual choice): no pause, no comparison.
     Task<> setRate(double rate, AudioObjectID device);
+    // Adds a line to the activity log (newest first, 20 kept). The shell reports through it
+    // what it found at start, such as a settings file it could not read.
+    void logLine(const std::string& text);
 
     // --- Rules --------------------------------------------------------------------------------
     static std::string format(double rate);
@@ -88,7 +91,6 @@ class SwitcherEngine : public std::enable_shared_from_this<SwitcherEngine> {
 
   private:
     void start();
-    void logLine(const std::string& text);
     // Stores a new value in an observed field and notifies when it differs.
     template <typename T, typename U>
     void assign(T& field, U&& value) {

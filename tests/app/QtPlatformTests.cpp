@@ -5,13 +5,16 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
 #include <QLocalSocket>
 #include <QLocale>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QThread>
 #include <atomic>
 #include <future>
+#include <limits>
 #include <memory>
 #include <thread>
 
@@ -86,15 +89,60 @@ TEST_F(QtSettingsStoreTest, ForeignValueTypesReadAsOtherAndSurviveOurWrites) {
     EXPECT_EQ(reopened.read("pauseDuringSwitch"), SettingValue(true));
 }
 
-TEST_F(QtSettingsStoreTest, AnUnreadableFileReadsAsEmptyWithoutCrashing) {
+TEST_F(QtSettingsStoreTest, ABrokenFileIsKeptAsItWasAndWhatStillReadsCarriesOver) {
+    struct Case {
+        const char* text;
+        qsizetype recovered;
+    };
+    const Case cases[] = {
+        {R"({"autoSwitchEnabled": false, "panelMeterStyle": "ledrack",})", 2},
+        {R"({"autoSwitchEnabled": false, "spectrumEnabled": [true, {"a": "}"}], "panelMeter)", 2},
+        {"{ not json", 0},
+    };
+    for (const Case& broken : cases) {
+        SCOPED_TRACE(broken.text);
+        QTemporaryDir folder;
+        const QString file = folder.filePath("settings.json");
+        {
+            QFile out(file);
+            ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+            out.write(broken.text);
+        }
+        {
+            QtSettingsStore store(file);
+            store.write("pauseDuringSwitch", true);
+            ASSERT_TRUE(store.startupNotice());
+            EXPECT_NE(store.startupNotice()->find(std::to_string(broken.recovered) + " setting"),
+                      std::string::npos)
+                << *store.startupNotice();
+        }
+        const QStringList kept = QDir(folder.path()).entryList({"settings.json.unreadable-*"});
+        ASSERT_EQ(kept.size(), 1);
+        QFile aside(folder.filePath(kept.front()));
+        ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+        EXPECT_EQ(aside.readAll(), QByteArray(broken.text));
+
+        const QtSettingsStore reopened(file);
+        EXPECT_FALSE(reopened.startupNotice());  // told once
+        EXPECT_EQ(reopened.read("pauseDuringSwitch"), SettingValue(true));
+        EXPECT_EQ(readBool(reopened, "autoSwitchEnabled", true), broken.recovered == 0);
+    }
+}
+
+TEST_F(QtSettingsStoreTest, NumbersAtTheEdgesOf64BitsReadAsWhatTheyAre) {
     {
         QFile file(path());
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("{ not json");
+        file.write(R"({"max": 9223372036854775807, "min": -9223372036854775808,
+                       "below": 9223372036854774784, "huge": -1e300, "half": 0.5})");
     }
     const QtSettingsStore store(path());
-    EXPECT_EQ(store.read("autoSwitchEnabled"), SettingValue(std::monostate{}));
-    EXPECT_TRUE(readBool(store, "autoSwitchEnabled", true));
+    // 9223372036854775807 reaches a double as 2^63, one past the largest 64-bit integer.
+    EXPECT_EQ(store.read("max"), SettingValue(OtherSettingValue{}));
+    EXPECT_EQ(store.read("min"), SettingValue(std::numeric_limits<std::int64_t>::min()));
+    EXPECT_EQ(store.read("below"), SettingValue(std::int64_t{9223372036854774784}));
+    EXPECT_EQ(store.read("huge"), SettingValue(OtherSettingValue{}));
+    EXPECT_EQ(store.read("half"), SettingValue(OtherSettingValue{}));
 }
 
 TEST(QtTimeOfDayTest, EveryLocaleShowsHoursMinutesAndSecondsInItsMediumStyle) {
@@ -215,7 +263,8 @@ TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgrou
 
 TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {
     testing::guiApplication();
-    const QString name = QStringLiteral("corvanel-test-%1").arg(QCoreApplication::applicationPid());
+    QTemporaryDir folder;
+    const QString name = folder.filePath("corvanel.socket");
     // The older copy answers from its own event loop, as a separate process would.
     QThread olderThread;
     QObject olderContext;
@@ -254,6 +303,39 @@ TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {
     QLocalSocket probe;
     probe.connectToServer(name);
     EXPECT_TRUE(probe.waitForConnected(1000));
+}
+
+TEST(LocalWorkspaceTest, AClientThatNeverEndsItsLineIsCutOffAndQuitsNothing) {
+    testing::guiApplication();
+    QTemporaryDir folder;
+    const QString socket = folder.filePath("corvanel.socket");
+    int quits = 0;
+    LocalWorkspace running(socket, {.quit = [&] { ++quits; }, .activate = {}});
+    running.askOlderCopiesToQuit();
+    ASSERT_TRUE(running.isListening());
+
+    // The client streams from its own thread while this one runs the copy's event loop.
+    std::atomic<bool> done = false;
+    std::atomic<bool> cutOff = false;
+    std::thread client([&] {
+        QLocalSocket stream;
+        stream.connectToServer(socket);
+        if (stream.waitForConnected(5000)) {
+            const QByteArray chunk(64 * 1024, 'x');
+            for (int i = 0; i < 64 && stream.state() == QLocalSocket::ConnectedState; ++i) {
+                stream.write(chunk);
+                stream.waitForBytesWritten(1000);
+            }
+            cutOff = stream.state() == QLocalSocket::UnconnectedState ||
+                     stream.waitForDisconnected(5000);
+        }
+        done = true;
+    });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return done.load(); }, 60000));
+    client.join();
+    EXPECT_TRUE(cutOff);
+    EXPECT_EQ(quits, 0);
+    EXPECT_TRUE(running.isListening());
 }
 
 TEST(LocalWorkspaceTest, ApplicationsAreFilesAndActivationIsPassedOn) {

@@ -1,7 +1,10 @@
 #include "platform/qt/LocalWorkspace.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QLocalSocket>
+#include <QLockFile>
 #include <QProcess>
 #include <QStandardPaths>
 #include <utility>
@@ -10,18 +13,29 @@ namespace corvanel {
 namespace {
 
 const QByteArray quitRequest = "quit\n";
-constexpr int handshakeMilliseconds = 3000;
+constexpr int connectMilliseconds = 1000;
+// An older copy answers once its event loop runs; a copy still starting up needs a moment.
+constexpr int letGoMilliseconds = 10000;
+// Copies started together take turns; each turn lasts at most one wait for an older copy.
+constexpr int turnMilliseconds = 3 * letGoMilliseconds;
+constexpr int claimAttempts = 3;
 
 }  // namespace
 
-LocalWorkspace::LocalWorkspace(QString serverName, Actions actions)
-    : serverName_(std::move(serverName)), actions_(std::move(actions)) {}
+LocalWorkspace::LocalWorkspace(QString socketPath, Actions actions)
+    : socketPath_(std::move(socketPath)), actions_(std::move(actions)) {}
 
 LocalWorkspace::~LocalWorkspace() = default;
 
-QString LocalWorkspace::defaultServerName() {
-    const QString user = qEnvironmentVariable("USER", qEnvironmentVariable("USERNAME", "user"));
-    return "corvanel-" + user;
+QString LocalWorkspace::defaultSocketPath() {
+    // Qt hands out the runtime folder only when it belongs to this user alone (mode 0700); in a
+    // shared folder such as /tmp another user could take the name first.
+    QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (folder.isEmpty()) {
+        folder = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+        QDir().mkpath(folder);
+    }
+    return QDir(folder).filePath("corvanel.socket");
 }
 
 bool LocalWorkspace::hasApplication(const std::string& path) {
@@ -37,16 +51,57 @@ void LocalWorkspace::activateSelf() {
 }
 
 void LocalWorkspace::askOlderCopiesToQuit() {
-    QLocalSocket older;
-    older.connectToServer(serverName_);
-    if (older.waitForConnected(handshakeMilliseconds)) {
-        older.write(quitRequest);
-        older.waitForBytesWritten(handshakeMilliseconds);
-        // The older copy closes the connection as it quits.
-        if (older.state() != QLocalSocket::UnconnectedState)
-            older.waitForDisconnected(handshakeMilliseconds);
+    // Copies started at the same moment take turns, so that none mistakes the socket another
+    // has just made for one left behind by a crash. A lock whose owner died is taken over.
+    QLockFile turn(socketPath_ + ".lock");
+    const bool ownTurn = turn.tryLock(turnMilliseconds);
+    switch (claimSocket(ownTurn)) {
+        case Claim::taken:
+            acceptQuitRequests();
+            return;
+        case Claim::heldByAnotherCopy:
+            // Two copies must not run side by side: this one gives way.
+            qWarning("Corvanel is already running and did not quit when asked; this copy ends.");
+            if (actions_.quit)
+                QMetaObject::invokeMethod(
+                    QCoreApplication::instance(), [quit = actions_.quit] { quit(); },
+                    Qt::QueuedConnection);
+            return;
+        case Claim::impossible:
+            qWarning(
+                "Corvanel could not listen on %s (%s); other copies will not be asked to "
+                "quit.",
+                qPrintable(socketPath_), qPrintable(server_->errorString()));
+            server_.reset();
+            return;
     }
-    acceptQuitRequests();
+}
+
+LocalWorkspace::Claim LocalWorkspace::claimSocket(bool mayRemoveLeftover) {
+    bool answered = false;
+    for (int attempt = 0; attempt < claimAttempts; ++attempt) {
+        // No socket options: with them Qt binds elsewhere and renames the socket over the name,
+        // replacing whatever listens there. A plain bind fails while the name is taken.
+        server_ = std::make_unique<QLocalServer>();
+        if (server_->listen(socketPath_)) return Claim::taken;
+        if (server_->serverError() != QAbstractSocket::AddressInUseError) return Claim::impossible;
+
+        QLocalSocket older;
+        older.connectToServer(socketPath_);
+        if (older.waitForConnected(connectMilliseconds)) {
+            answered = true;
+            older.write(quitRequest);
+            older.waitForBytesWritten(connectMilliseconds);
+            // The older copy lets go of the name, then closes the connection as it quits.
+            if (older.state() != QLocalSocket::UnconnectedState &&
+                !older.waitForDisconnected(letGoMilliseconds))
+                return Claim::heldByAnotherCopy;
+        } else if (older.error() == QLocalSocket::ConnectionRefusedError && mayRemoveLeftover) {
+            // A copy that crashed leaves its socket behind; nobody answers on it any more.
+            QLocalServer::removeServer(socketPath_);
+        }
+    }
+    return answered ? Claim::heldByAnotherCopy : Claim::impossible;
 }
 
 bool LocalWorkspace::isListening() const {
@@ -54,18 +109,19 @@ bool LocalWorkspace::isListening() const {
 }
 
 void LocalWorkspace::acceptQuitRequests() {
-    server_ = std::make_unique<QLocalServer>();
-    server_->setSocketOptions(QLocalServer::UserAccessOption);
-    if (!server_->listen(serverName_)) {
-        // A copy that crashed leaves its socket file behind; nobody answers on it any more.
-        QLocalServer::removeServer(serverName_);
-        server_->listen(serverName_);
-    }
     QObject::connect(server_.get(), &QLocalServer::newConnection, server_.get(), [this] {
         while (QLocalSocket* newer = server_->nextPendingConnection()) {
+            newer->setReadBufferSize(longestRequest);
             QObject::connect(newer, &QLocalSocket::disconnected, newer, &QObject::deleteLater);
             QObject::connect(newer, &QLocalSocket::readyRead, newer, [this, newer] {
-                if (!newer->canReadLine() || newer->readLine() != quitRequest) return;
+                if (!newer->canReadLine()) {
+                    if (newer->bytesAvailable() >= longestRequest) newer->abort();
+                    return;
+                }
+                if (newer->readLine(longestRequest) != quitRequest) {
+                    newer->abort();
+                    return;
+                }
                 // Let go of the name first so the newer copy can take it at once.
                 server_->close();
                 newer->disconnectFromServer();

@@ -18,8 +18,13 @@ class LocalWorkspace final : public Workspace {
         std::function<void()> activate;  // bring this application's windows to the front
     };
 
-    // `serverName`: the socket every copy of the application shares (one per user).
-    LocalWorkspace(QString serverName, Actions actions);
+    // The longest request a copy sends; a connection that sends more without ending its line
+    // is dropped, so a stray client cannot make this copy read without end.
+    static constexpr qint64 longestRequest = 64;
+
+    // `socketPath`: the absolute path of the socket every copy of the application shares, in a
+    // folder where only this user can create names.
+    LocalWorkspace(QString socketPath, Actions actions);
     ~LocalWorkspace() override;
 
     bool hasApplication(const std::string& path) override;
@@ -28,12 +33,16 @@ class LocalWorkspace final : public Workspace {
     void askOlderCopiesToQuit() override;
 
     bool isListening() const;
-    static QString defaultServerName();
+    // The socket in the user's runtime folder, or in the user's cache folder where there is no
+    // runtime folder of the user's own.
+    static QString defaultSocketPath();
 
   private:
+    enum class Claim { taken, heldByAnotherCopy, impossible };
+    Claim claimSocket(bool mayRemoveLeftover);
     void acceptQuitRequests();
 
-    QString serverName_;
+    QString socketPath_;
     Actions actions_;
     std::unique_ptr<QLocalServer> server_;
 };

@@ -5,6 +5,8 @@
 #include <QSettings>
 #include <QString>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "platform/SettingsStore.h"
 
@@ -20,8 +22,17 @@ class QtSettingsStore final : public SettingsStore {
     SettingValue read(const std::string& key) const override;
     void write(const std::string& key, const StoredSettingValue& value) override;
 
+    // What the user must be told once about the file, when it could not be read at start: it
+    // was set aside under a new name with the members that still read carried over, or (when
+    // it could not be moved) it is left alone and nothing is written to it.
+    const std::optional<std::string>& startupNotice() const { return startupNotice_; }
+
   private:
+    void keepAnUnreadableFile();
+
     std::unique_ptr<QSettings> settings_;
+    bool writable_ = true;
+    std::optional<std::string> startupNotice_;
 };
 
 // The QSettings format used for typed files on systems whose native format is untyped.
