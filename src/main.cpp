@@ -81,7 +81,7 @@ int main(int argc, char* argv[]) {
         qInstallMessageHandler(quietOffscreenMessages);
         std::optional<QDir> snapshots;
         if (options.snapshotDirectory) snapshots = QDir(*options.snapshotDirectory);
-        headless.emplace(app, options.durationSeconds, snapshots);
+        headless.emplace(app, options.durationSeconds, snapshots, options.printLevels);
     }
     return QApplication::exec();
 }

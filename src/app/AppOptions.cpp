@@ -64,8 +64,10 @@ std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QString
     const QCommandLineOption settings("settings", "Keep settings in this file.", "file");
     const QCommandLineOption open("open", "Open popup, panel or visualizer at start (repeatable).",
                                   "window");
-    parser.addOptions(
-        {help, version, demo, headless, duration, snapshots, audio, capture, settings, open});
+    const QCommandLineOption printLevels(
+        "print-levels", "With --headless: print what the meters see once a second, as JSON.");
+    parser.addOptions({help, version, demo, headless, duration, snapshots, audio, capture, settings,
+                       open, printLevels});
     if (!parser.parse(arguments)) return parser.errorText();
     if (parser.isSet(help)) return ProgramInformation{helpText(parser, arguments)};
     if (parser.isSet(version))
@@ -76,6 +78,8 @@ std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QString
     AppOptions options;
     options.demo = parser.isSet(demo);
     options.headless = parser.isSet(headless);
+    options.printLevels = parser.isSet(printLevels);
+    if (options.printLevels && !options.headless) return QString("--print-levels needs --headless");
     const std::optional<double> seconds = headlessDuration(parser.value(duration));
     if (!seconds)
         return "--duration needs a number of seconds from 0.001 to 2147483, not \"" +

@@ -13,6 +13,8 @@ struct AppOptions {
     // Simulated Music app and DAC. Always on where there is no Music app to follow.
     bool demo = false;
     bool headless = false;
+    // A headless run prints the meters' values once a second.
+    bool printLevels = false;
     double durationSeconds = 20;
     std::optional<QString> snapshotDirectory;
     AudioSourceChoice audio = AudioSourceChoice::synthesizer;

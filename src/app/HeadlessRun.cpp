@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "app/ActivityPrinter.h"
+#include "app/LevelPrinter.h"
 #include "app/MyApp.h"
 #include "app/Snapshots.h"
 #include "spectrum/SpectrumAnalyzer.h"
@@ -12,10 +13,13 @@
 
 namespace corvanel {
 
-HeadlessRun::HeadlessRun(MyApp& app, double durationSeconds, std::optional<QDir> snapshots)
+HeadlessRun::HeadlessRun(MyApp& app, double durationSeconds, std::optional<QDir> snapshots,
+                         bool printLevels)
     : app_(app),
       snapshots_(std::move(snapshots)),
       printer_(std::make_unique<ActivityPrinter>(app.environment().engine, stdout)) {
+    if (printLevels)
+        levels_ = std::make_unique<LevelPrinter>(app.environment().engine->spectrum(), stdout);
     captureChanged_ = app.environment().engine->spectrum()->stateChanged.connect(
         [this] { printCaptureMessage(); });
     printCaptureMessage();

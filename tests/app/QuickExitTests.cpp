@@ -2,10 +2,10 @@
 // (the start-up scan's result may still be on its way when the application object goes).
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <chrono>
+
+#include "PrivateHome.h"
 
 namespace corvanel {
 namespace {
@@ -17,21 +17,9 @@ constexpr auto timeBudget = std::chrono::seconds(15);
 constexpr int exitTimeoutMilliseconds = 10000;
 
 TEST(QuickExit, EveryOneOfManyImmediateQuitsEnds) {
-    QTemporaryDir home;
+    const testing::PrivateHome home;
     ASSERT_TRUE(home.isValid());
-    const QDir root(home.path());
-    for (const char* folder : {"config", "data", "cache", "runtime", "tmp"})
-        ASSERT_TRUE(root.mkpath(folder));
-    QFile::setPermissions(root.filePath("runtime"),
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("QT_QPA_PLATFORM", "offscreen");
-    environment.insert("HOME", home.path());
-    environment.insert("XDG_CONFIG_HOME", root.filePath("config"));
-    environment.insert("XDG_DATA_HOME", root.filePath("data"));
-    environment.insert("XDG_CACHE_HOME", root.filePath("cache"));
-    environment.insert("XDG_RUNTIME_DIR", root.filePath("runtime"));
-    environment.insert("TMPDIR", root.filePath("tmp"));
+    const QProcessEnvironment environment = home.environment();
 
     int hung = 0;
     int failed = 0;

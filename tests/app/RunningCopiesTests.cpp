@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "GuiApplication.h"
+#include "PrivateHome.h"
 #include "platform/qt/QtSettingsStore.h"
 
 namespace corvanel {
@@ -22,13 +23,7 @@ namespace {
 
 class RunningCopies : public ::testing::Test {
   protected:
-    RunningCopies() {
-        testing::guiApplication();
-        for (const char* folder : {"runtime", "tmp"})
-            QDir(home_.path()).mkdir(QString::fromLatin1(folder));
-        // A runtime folder is the user's alone.
-        QFile::setPermissions(runtime(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
+    RunningCopies() { testing::guiApplication(); }
     ~RunningCopies() override {
         for (const auto& copy : copies_) {
             copy->kill();
@@ -37,17 +32,11 @@ class RunningCopies : public ::testing::Test {
     }
 
     QString home() const { return home_.path(); }
-    QString runtime() const { return home_.filePath("runtime"); }
+    QString runtime() const { return home_.runtime(); }
     QString file(const char* name) const { return home_.filePath(QString::fromLatin1(name)); }
 
     QProcess& start(const QStringList& arguments) {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("HOME", home_.path());
-        environment.insert("XDG_RUNTIME_DIR", runtime());
-        environment.insert("XDG_CONFIG_HOME", home_.filePath("config"));
-        environment.insert("XDG_CACHE_HOME", home_.filePath("cache"));
-        environment.insert("TMPDIR", home_.filePath("tmp"));
-        environment.insert("QT_QPA_PLATFORM", "offscreen");
+        const QProcessEnvironment environment = home_.environment();
         auto& copy = copies_.emplace_back(std::make_unique<QProcess>());
         copy->setProcessEnvironment(environment);
         copy->setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -102,7 +91,7 @@ class RunningCopies : public ::testing::Test {
     }
 
   private:
-    QTemporaryDir home_;
+    testing::PrivateHome home_;
     std::vector<std::unique_ptr<QProcess>> copies_;
 };
 
