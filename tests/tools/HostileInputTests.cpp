@@ -6,7 +6,10 @@
 #include <sndfile.h>
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <random>
 #include <vector>
 
 #include "ToolRun.h"
@@ -130,6 +133,44 @@ TEST(HostileInput, ScanLogShowsTheFirstHundredWarningsAndCountsTheRest) {
     EXPECT_TRUE(run.errors.contains("line 100 skipped")) << run.errors.toStdString();
     EXPECT_TRUE(run.errors.endsWith("warning: 150 more lines skipped, not shown\n"))
         << run.errors.toStdString();
+}
+
+// The resident memory of a running process in KiB, as Linux reports it; 0 when unknown.
+long residentKiB(qint64 pid) {
+    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
+    if (!status.open(QIODevice::ReadOnly)) return 0;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith("VmRSS:")) return line.mid(6).trimmed().split(' ').value(0).toLong();
+    return 0;
+}
+
+TEST(HostileInput, ScanLogReadsAnEndlessStreamInBoundedMemory) {
+#if !defined(__linux__)
+    GTEST_SKIP() << "reads the tool's memory from /proc";
+#elif defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "AddressSanitizer holds freed memory in quarantine";
+#endif
+    QProcess scan;
+    scan.start(QStringLiteral(CORVANEL_BINARY_DIR "/tools/corvanel-tool"),
+               {"scan-log", "/dev/stdin"});
+    ASSERT_TRUE(scan.waitForStarted());
+    // 160 MB of noise: every line is a malformed entry, which the tool once kept, each of them.
+    std::mt19937 random(7);
+    std::vector<char> block(1 << 16);
+    long peak = 0;
+    for (int written = 0; written < 160 * 16; ++written) {
+        for (char& byte : block)
+            byte = static_cast<char>(random());
+        scan.write(block.data(), static_cast<qint64>(block.size()));
+        ASSERT_TRUE(scan.waitForBytesWritten(30000));
+        if (written % 32 == 0) peak = std::max(peak, residentKiB(scan.processId()));
+    }
+    scan.closeWriteChannel();
+    ASSERT_TRUE(scan.waitForFinished(120000));
+    EXPECT_EQ(scan.exitCode(), 0) << scan.readAllStandardError().right(400).toStdString();
+    EXPECT_GT(peak, 0);
+    // What reading one line at a time needs, with room to spare; keeping every line took 90 MB.
+    EXPECT_LT(peak, 48 * 1024) << "KiB resident while reading";
 }
 
 TEST(HostileInput, HeadlessDuration) {
