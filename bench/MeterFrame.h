@@ -10,9 +10,9 @@
 #include <cmath>
 #include <functional>
 
-#include "meters/FramePainter.h"
-#include "meters/MeterRenderer.h"
-#include "meters/MeterValues.h"
+#include "meters/kit/FramePainter.h"
+#include "meters/kit/MeterRenderer.h"
+#include "meters/kit/MeterValues.h"
 
 namespace corvanel::bench {
 

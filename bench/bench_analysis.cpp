@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/sim/MusicSynthesizer.h"
+#include "demo/MusicSynthesizer.h"
 #include "platform/sim/SimAudioHardware.h"
 #include "platform/sim/SimProcessTapHost.h"
 #include "platform/sim/SimSettingsStore.h"

@@ -9,7 +9,7 @@
 #include "MeterFrame.h"
 #include "app/MeterRendererFactory.h"
 #include "app/PanelMeterStyle.h"
-#include "meters/SpectrumBarsView.h"
+#include "meters/styles/SpectrumBarsView.h"
 
 namespace {
 

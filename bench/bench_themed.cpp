@@ -11,9 +11,9 @@
 
 #include "MeterFrame.h"
 #include "app/MeterRendererFactory.h"
-#include "meters/CandleRoom.h"
-#include "meters/CandlelightScene.h"
-#include "meters/FramePainter.h"
+#include "meters/candlelight/CandleRoom.h"
+#include "meters/candlelight/CandlelightScene.h"
+#include "meters/kit/FramePainter.h"
 
 namespace {
 

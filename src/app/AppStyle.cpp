@@ -1,6 +1,6 @@
 #include "app/AppStyle.h"
 
-#include "meters/SystemFonts.h"
+#include "meters/kit/SystemFonts.h"
 
 namespace corvanel::style {
 

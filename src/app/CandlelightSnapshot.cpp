@@ -3,8 +3,8 @@
 #include <QPainter>
 #include <cmath>
 
-#include "meters/CandleRoom.h"
-#include "meters/CandlelightScene.h"
+#include "meters/candlelight/CandleRoom.h"
+#include "meters/candlelight/CandlelightScene.h"
 
 namespace corvanel {
 

@@ -3,8 +3,8 @@
 #include <QPainter>
 #include <chrono>
 
-#include "meters/CandleRoom.h"
-#include "meters/CandlelightScene.h"
+#include "meters/candlelight/CandleRoom.h"
+#include "meters/candlelight/CandlelightScene.h"
 #include "spectrum/SpectrumAnalyzer.h"
 #include "switching/SwitcherEngine.h"
 

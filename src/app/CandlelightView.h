@@ -8,8 +8,8 @@
 #include <functional>
 #include <memory>
 
-#include "meters/CandlelightLayers.h"
-#include "meters/FramePainter.h"
+#include "meters/candlelight/CandlelightLayers.h"
+#include "meters/kit/FramePainter.h"
 #include "platform/Signal.h"
 
 namespace corvanel {

@@ -8,9 +8,9 @@
 #include <QWidget>
 #include <memory>
 
-#include "meters/FramePainter.h"
-#include "meters/MeterRenderer.h"
-#include "meters/MeterValues.h"
+#include "meters/kit/FramePainter.h"
+#include "meters/kit/MeterRenderer.h"
+#include "meters/kit/MeterValues.h"
 #include "platform/Signal.h"
 
 namespace corvanel {

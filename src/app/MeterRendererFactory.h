@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "app/PanelMeterStyle.h"
-#include "meters/MeterRenderer.h"
+#include "meters/kit/MeterRenderer.h"
 
 namespace corvanel {
 

@@ -5,7 +5,7 @@
 #include <QSizeF>
 #include <string_view>
 
-#include "meters/MeterValues.h"
+#include "meters/kit/MeterValues.h"
 
 namespace corvanel {
 

@@ -9,7 +9,7 @@
 #include "app/PanelView.h"
 #include "app/PopupWindow.h"
 #include "app/TrayStatusItem.h"
-#include "platform/sim/DemoPlayer.h"
+#include "demo/DemoPlayer.h"
 #include "switching/SwitcherEngine.h"
 
 namespace corvanel {

@@ -1,6 +1,6 @@
 #include "app/StatusItem.h"
 
-#include "meters/SpectrumBarsView.h"
+#include "meters/styles/SpectrumBarsView.h"
 
 namespace corvanel {
 

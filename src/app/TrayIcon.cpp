@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "meters/SystemFonts.h"
+#include "meters/kit/SystemFonts.h"
 
 namespace corvanel {
 namespace {

@@ -9,7 +9,7 @@
 #include "GuiApplication.h"
 #include "app/AppEnvironment.h"
 #include "app/AppWindow.h"
-#include "platform/sim/DemoDac.h"
+#include "demo/DemoDac.h"
 #include "switching/SimulatedMac.h"
 #include "switching/SwitcherEngine.h"
 

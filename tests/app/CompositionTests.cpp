@@ -9,7 +9,7 @@
 #include "app/PlatformComposition.h"
 #include "app/TrayStatusItem.h"
 #include "app/WindowStatusItem.h"
-#include "meters/SpectrumBarsView.h"
+#include "meters/styles/SpectrumBarsView.h"
 
 namespace corvanel {
 namespace {

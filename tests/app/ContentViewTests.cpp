@@ -11,7 +11,7 @@
 #include "app/ContentView.h"
 #include "app/ShrinkingLabel.h"
 #include "app/ToggleSwitch.h"
-#include "platform/sim/DemoPlaylist.h"
+#include "demo/DemoPlaylist.h"
 #include "spectrum/SpectrumAnalyzer.h"
 
 namespace corvanel {

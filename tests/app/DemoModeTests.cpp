@@ -7,7 +7,7 @@
 #include "AppTestRig.h"
 #include "app/ActivityPrinter.h"
 #include "app/AppOptions.h"
-#include "platform/sim/DemoPlayer.h"
+#include "demo/DemoPlayer.h"
 #include "switching/LogScanner.h"
 
 namespace corvanel {

@@ -11,7 +11,7 @@
 #include "app/ContentView.h"
 #include "app/MenuBarLabel.h"
 #include "app/PopupWindow.h"
-#include "meters/SpectrumBarsView.h"
+#include "meters/styles/SpectrumBarsView.h"
 #include "spectrum/SpectrumAnalyzer.h"
 
 namespace corvanel {

@@ -12,7 +12,7 @@
 #include "app/FramelessWindowChrome.h"
 #include "app/PanelView.h"
 #include "app/ShrinkingLabel.h"
-#include "platform/sim/DemoPlaylist.h"
+#include "demo/DemoPlaylist.h"
 #include "spectrum/SpectrumAnalyzer.h"
 
 namespace corvanel {

@@ -3,10 +3,10 @@
 #include <QColor>
 #include <algorithm>
 
-#include "meters/CandleRoom.h"
-#include "meters/CandleRoomLayout.h"
-#include "meters/CandlelightScene.h"
 #include "meters/Probe.h"
+#include "meters/candlelight/CandleRoom.h"
+#include "meters/candlelight/CandleRoomLayout.h"
+#include "meters/candlelight/CandlelightScene.h"
 
 namespace corvanel::meters {
 namespace {

@@ -8,10 +8,10 @@
 #include <numbers>
 #include <optional>
 
-#include "meters/CandleRoomLayout.h"
-#include "meters/CandlelightScene.h"
-#include "meters/Noise.h"
 #include "meters/Probe.h"
+#include "meters/candlelight/CandleRoomLayout.h"
+#include "meters/candlelight/CandlelightScene.h"
+#include "meters/kit/Noise.h"
 
 namespace corvanel::meters {
 namespace {

@@ -7,14 +7,14 @@
 #include <set>
 
 #include "Probe.h"
-#include "meters/BoxBlur.h"
-#include "meters/ContinuousRect.h"
-#include "meters/LayerEffects.h"
-#include "meters/Noise.h"
-#include "meters/Spring.h"
-#include "meters/StaticLayer.h"
-#include "meters/SystemFonts.h"
-#include "meters/TextPlacement.h"
+#include "meters/kit/BoxBlur.h"
+#include "meters/kit/ContinuousRect.h"
+#include "meters/kit/LayerEffects.h"
+#include "meters/kit/Noise.h"
+#include "meters/kit/Spring.h"
+#include "meters/kit/StaticLayer.h"
+#include "meters/kit/SystemFonts.h"
+#include "meters/kit/TextPlacement.h"
 
 namespace corvanel::meters {
 namespace {

@@ -5,7 +5,7 @@
 #include <QThread>
 #include <QThreadPool>
 
-#include "meters/FramePainter.h"
+#include "meters/kit/FramePainter.h"
 
 namespace corvanel::meters {
 namespace {

@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "Probe.h"
-#include "meters/BoomboxView.h"
-#include "meters/LEDBarMeterView.h"
+#include "meters/styles/BoomboxView.h"
+#include "meters/styles/LEDBarMeterView.h"
 
 namespace corvanel::meters {
 namespace {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "Probe.h"
-#include "meters/LEDSpectrumView.h"
+#include "meters/styles/LEDSpectrumView.h"
 
 namespace corvanel::meters {
 namespace {

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "Probe.h"
-#include "meters/SpectrumBarsView.h"
-#include "meters/SystemFonts.h"
-#include "meters/TextPlacement.h"
+#include "meters/kit/SystemFonts.h"
+#include "meters/kit/TextPlacement.h"
+#include "meters/styles/SpectrumBarsView.h"
 
 namespace corvanel::meters {
 namespace {

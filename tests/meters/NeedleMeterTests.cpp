@@ -6,10 +6,10 @@
 #include <limits>
 
 #include "Probe.h"
-#include "meters/DialGeometry.h"
-#include "meters/TapeDeckMeterView.h"
-#include "meters/VUMeterView.h"
-#include "meters/YamahaVUMeterView.h"
+#include "meters/kit/DialGeometry.h"
+#include "meters/styles/TapeDeckMeterView.h"
+#include "meters/styles/VUMeterView.h"
+#include "meters/styles/YamahaVUMeterView.h"
 
 namespace corvanel::meters {
 namespace {

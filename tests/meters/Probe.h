@@ -11,7 +11,7 @@
 #include <functional>
 #include <vector>
 
-#include "meters/TextPlacement.h"
+#include "meters/kit/TextPlacement.h"
 
 namespace corvanel::meters::probe {
 

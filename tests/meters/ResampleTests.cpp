@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <random>
 
-#include "meters/Resample.h"
+#include "meters/kit/Resample.h"
 
 namespace corvanel::meters {
 namespace {

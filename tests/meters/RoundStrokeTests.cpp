@@ -7,7 +7,7 @@
 #include <cstdlib>
 
 #include "Probe.h"
-#include "meters/RoundStroke.h"
+#include "meters/kit/RoundStroke.h"
 
 namespace corvanel::meters {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "meters/Noise.h"
-#include "meters/SmoothNoise.h"
+#include "meters/candlelight/SmoothNoise.h"
+#include "meters/kit/Noise.h"
 
 namespace corvanel::meters {
 namespace {

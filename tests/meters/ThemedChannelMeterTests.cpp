@@ -4,11 +4,11 @@
 #include <QPolygonF>
 #include <cmath>
 
-#include "meters/HoloVUMeterView.h"
-#include "meters/MagmaVUMeterView.h"
 #include "meters/Probe.h"
-#include "meters/RetroVUMeterView.h"
-#include "meters/StormVUMeterView.h"
+#include "meters/styles/HoloVUMeterView.h"
+#include "meters/styles/MagmaVUMeterView.h"
+#include "meters/styles/RetroVUMeterView.h"
+#include "meters/styles/StormVUMeterView.h"
 
 namespace corvanel::meters {
 namespace {

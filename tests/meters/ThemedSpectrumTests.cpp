@@ -3,15 +3,15 @@
 #include <cmath>
 #include <memory>
 
-#include "meters/ComboView.h"
-#include "meters/HoloAnalyzerView.h"
-#include "meters/InfernoComboView.h"
-#include "meters/MagmaAnalyzerView.h"
-#include "meters/MagmaVUMeterView.h"
 #include "meters/Probe.h"
-#include "meters/PulsarComboView.h"
-#include "meters/StormAnalyzerView.h"
-#include "meters/VintageAnalyzerView.h"
+#include "meters/styles/ComboView.h"
+#include "meters/styles/HoloAnalyzerView.h"
+#include "meters/styles/InfernoComboView.h"
+#include "meters/styles/MagmaAnalyzerView.h"
+#include "meters/styles/MagmaVUMeterView.h"
+#include "meters/styles/PulsarComboView.h"
+#include "meters/styles/StormAnalyzerView.h"
+#include "meters/styles/VintageAnalyzerView.h"
 
 namespace corvanel::meters {
 namespace {

@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "Probe.h"
-#include "meters/YamahaClassicComboView.h"
-#include "meters/YamahaTwelveBandEQView.h"
+#include "meters/styles/YamahaClassicComboView.h"
+#include "meters/styles/YamahaTwelveBandEQView.h"
 
 namespace corvanel::meters {
 namespace {

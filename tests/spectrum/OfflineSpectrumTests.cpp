@@ -1,4 +1,4 @@
-#include "platform/sim/OfflineSpectrum.h"
+#include "corvanel-tool/OfflineSpectrum.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "SpectrumTestWorld.h"
-#include "platform/sim/MusicSynthesizer.h"
+#include "demo/MusicSynthesizer.h"
 
 namespace corvanel {
 namespace {

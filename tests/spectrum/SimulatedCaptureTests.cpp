@@ -9,8 +9,8 @@
 #include <fstream>
 #include <thread>
 
+#include "demo/MusicSynthesizer.h"
 #include "platform/sim/AudioFileSource.h"
-#include "platform/sim/MusicSynthesizer.h"
 #include "platform/sim/SimAudioHardware.h"
 #include "platform/sim/SimProcessTapHost.h"
 #include "spectrum/BandSpectrum.h"

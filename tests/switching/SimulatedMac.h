@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "demo/MusicSynthesizer.h"
 #include "platform/MusicScripts.h"
 #include "platform/PlatformPorts.h"
-#include "platform/sim/MusicSynthesizer.h"
 #include "platform/sim/SimAudioHardware.h"
 #include "platform/sim/SimLoginItems.h"
 #include "platform/sim/SimMusicApp.h"

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "ToolCommand.h"
+#include "corvanel-tool/OfflineSpectrum.h"
 #include "platform/sim/AudioFileSource.h"
-#include "platform/sim/OfflineSpectrum.h"
 
 namespace corvanel::tool {
 namespace {

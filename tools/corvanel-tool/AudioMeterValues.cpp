@@ -3,9 +3,9 @@
 #include <cstdio>
 #include <memory>
 
+#include "corvanel-tool/OfflineSpectrum.h"
+#include "demo/MusicSynthesizer.h"
 #include "platform/sim/AudioFileSource.h"
-#include "platform/sim/MusicSynthesizer.h"
-#include "platform/sim/OfflineSpectrum.h"
 
 namespace corvanel::tool {
 

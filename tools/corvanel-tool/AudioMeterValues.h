@@ -4,7 +4,7 @@
 #include <string>
 #include <variant>
 
-#include "meters/MeterValues.h"
+#include "meters/kit/MeterValues.h"
 
 namespace corvanel::tool {
 

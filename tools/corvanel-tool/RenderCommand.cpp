@@ -21,7 +21,7 @@
 #include "app/CandlelightView.h"
 #include "app/MeterSnapshot.h"
 #include "app/PanelMeterStyle.h"
-#include "meters/SpectrumBarsView.h"
+#include "meters/styles/SpectrumBarsView.h"
 
 namespace corvanel::tool {
 

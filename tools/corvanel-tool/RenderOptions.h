@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "meters/MeterValues.h"
+#include "meters/kit/MeterValues.h"
 
 namespace corvanel::tool {
 
