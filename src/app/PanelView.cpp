@@ -255,10 +255,14 @@ bool PanelView::eventFilter(QObject* watched, QEvent* event) {
     // The first size the restored window gets is its normal one: bring that to the group chosen
     // while it was zoomed, at once (an animation still running would unzoom a window zoomed
     // again straight away).
-    AppWindow* window = panelWindow();
-    if (heightOnRestore_ && window && watched == window && event->type() == QEvent::Resize &&
-        !(window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)))
-        bringToGroupHeight(*window, *std::exchange(heightOnRestore_, std::nullopt), false);
+    // Only a resize asks which window is the panel: the filter also sees the events a window
+    // sends while it is being destroyed, when it is no longer an AppWindow.
+    if (heightOnRestore_ && event->type() == QEvent::Resize) {
+        AppWindow* window = panelWindow();
+        if (window && watched == window &&
+            !(window->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)))
+            bringToGroupHeight(*window, *std::exchange(heightOnRestore_, std::nullopt), false);
+    }
     return QWidget::eventFilter(watched, event);
 }
 
