@@ -1,11 +1,8 @@
 #include "PulseTestServer.h"
 
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <fcntl.h>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -13,79 +10,17 @@
 #include <thread>
 #include <variant>
 
+#include "ChildProcess.h"
 #include "platform/linux/PulseConnection.h"
-
-extern char** environ;
 
 namespace corvanel::testing {
 
-namespace {
-
-std::vector<std::string> environmentWith(const std::vector<std::string>& extra) {
-    std::vector<std::string> entries(extra);
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-        const std::string text = *entry;
-        const std::string key = text.substr(0, text.find('=') + 1);
-        bool overridden = false;
-        for (const std::string& added : extra)
-            overridden = overridden || added.starts_with(key);
-        if (!overridden) entries.push_back(text);
-    }
-    return entries;
-}
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    for (std::string& text : texts)
-        result.push_back(text.data());
-    result.push_back(nullptr);
-    return result;
-}
-
-std::string readFile(const std::filesystem::path& path) {
-    std::ifstream stream(path);
-    std::stringstream text;
-    text << stream.rdbuf();
-    return text.str();
-}
-
-}  // namespace
-
-pid_t startProgram(const std::vector<std::string>& arguments,
-                   const std::vector<std::string>& extraEnvironment, const std::string& logPath) {
-    std::vector<std::string> argumentTexts = arguments;
-    std::vector<std::string> environmentTexts = environmentWith(extraEnvironment);
-    std::vector<char*> argv = pointers(argumentTexts);
-    std::vector<char*> envp = pointers(environmentTexts);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logPath.c_str(),
-                                     O_WRONLY | O_CREAT | O_APPEND, 0644);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    pid_t pid = -1;
-    const int result = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
-    posix_spawn_file_actions_destroy(&actions);
-    return result == 0 ? pid : -1;
-}
-
-int runProgram(const std::vector<std::string>& arguments,
-               const std::vector<std::string>& extraEnvironment) {
-    const pid_t pid = startProgram(arguments, extraEnvironment, "/dev/null");
-    if (pid < 0) return -1;
-    int status = 0;
-    if (waitpid(pid, &status, 0) != pid) return -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 PulseTestServer::PulseTestServer() {
-    std::string pattern =
-        (std::filesystem::temp_directory_path() / "corvanel-pulse-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
+    directory_ = makePrivateDirectory("corvanel-pulse-");
+    if (directory_.empty()) {
         failure_ = "could not make a temporary directory for the PulseAudio server";
         return;
     }
-    directory_ = pattern;
     std::filesystem::create_directories(directory_ / "runtime");
     std::filesystem::permissions(directory_ / "runtime", std::filesystem::perms::owner_all);
     std::filesystem::create_directories(directory_ / "home");
@@ -139,7 +74,7 @@ void PulseTestServer::start() {
         int status = 0;
         if (waitpid(server_, &status, WNOHANG) == server_) {
             server_ = -1;
-            failure_ = "pulseaudio exited while starting:\n" + readFile(log);
+            failure_ = "pulseaudio exited while starting:\n" + readTextFile(log);
             return;
         }
         if (std::holds_alternative<std::unique_ptr<PulseConnection>>(
@@ -147,7 +82,7 @@ void PulseTestServer::start() {
             return;
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
-    failure_ = "pulseaudio did not accept connections within 15 s:\n" + readFile(log);
+    failure_ = "pulseaudio did not accept connections within 15 s:\n" + readTextFile(log);
 }
 
 bool PulseTestServer::restart() {

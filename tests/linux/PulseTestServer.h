@@ -12,13 +12,6 @@
 
 namespace corvanel::testing {
 
-// Runs a program with extra environment entries; its exit status, or -1 if it cannot start.
-int runProgram(const std::vector<std::string>& arguments,
-               const std::vector<std::string>& extraEnvironment);
-// Starts a program without waiting; its process id, or -1.
-pid_t startProgram(const std::vector<std::string>& arguments,
-                   const std::vector<std::string>& extraEnvironment, const std::string& logPath);
-
 class PulseTestServer {
   public:
     static constexpr const char* firstSink = "corvanel_first";        // 48 kHz, the default

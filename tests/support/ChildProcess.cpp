@@ -1,0 +1,102 @@
+#include "ChildProcess.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+extern char** environ;
+
+namespace corvanel::testing {
+
+namespace {
+
+std::vector<std::string> environmentWith(const std::vector<std::string>& extra) {
+    std::vector<std::string> entries(extra);
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string text = *entry;
+        const std::string key = text.substr(0, text.find('=') + 1);
+        bool overridden = false;
+        for (const std::string& added : extra)
+            overridden = overridden || added.starts_with(key);
+        if (!overridden) entries.push_back(text);
+    }
+    return entries;
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (std::string& text : texts)
+        result.push_back(text.data());
+    result.push_back(nullptr);
+    return result;
+}
+
+}  // namespace
+
+pid_t startProgram(const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& extraEnvironment, const std::string& logPath) {
+    std::vector<std::string> argumentTexts = arguments;
+    std::vector<std::string> environmentTexts = environmentWith(extraEnvironment);
+    std::vector<char*> argv = pointers(argumentTexts);
+    std::vector<char*> envp = pointers(environmentTexts);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logPath.c_str(),
+                                     O_WRONLY | O_CREAT | O_APPEND, 0644);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    pid_t pid = -1;
+    const int result = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
+    posix_spawn_file_actions_destroy(&actions);
+    return result == 0 ? pid : -1;
+}
+
+int runProgram(const std::vector<std::string>& arguments,
+               const std::vector<std::string>& extraEnvironment) {
+    const pid_t pid = startProgram(arguments, extraEnvironment, "/dev/null");
+    if (pid < 0) return -1;
+    int status = 0;
+    if (waitpid(pid, &status, 0) != pid) return -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+bool hasExited(pid_t pid) {
+    int status = 0;
+    return waitpid(pid, &status, WNOHANG) == pid;
+}
+
+void stopProgram(pid_t pid, std::chrono::milliseconds grace) {
+    if (pid <= 0) return;
+    kill(pid, SIGCONT);  // a stopped process cannot act on SIGTERM
+    kill(pid, SIGTERM);
+    const auto deadline = std::chrono::steady_clock::now() + grace;
+    while (std::chrono::steady_clock::now() < deadline) {
+        if (hasExited(pid)) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    kill(pid, SIGKILL);
+    int status = 0;
+    waitpid(pid, &status, 0);
+}
+
+std::string readTextFile(const std::filesystem::path& path) {
+    std::ifstream stream(path);
+    std::stringstream text;
+    text << stream.rdbuf();
+    return text.str();
+}
+
+std::filesystem::path makePrivateDirectory(const std::string& prefix) {
+    std::string pattern = (std::filesystem::temp_directory_path() / (prefix + "XXXXXX")).string();
+    if (mkdtemp(pattern.data()) == nullptr) return {};
+    return pattern;
+}
+
+}  // namespace corvanel::testing
