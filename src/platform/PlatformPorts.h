@@ -7,6 +7,7 @@
 
 #include "platform/AudioHardware.h"
 #include "platform/Clock.h"
+#include "platform/FollowedPlayer.h"
 #include "platform/LoginItems.h"
 #include "platform/MainExecutor.h"
 #include "platform/PlayerNotifications.h"
@@ -36,6 +37,8 @@ struct PlatformPorts {
     std::shared_ptr<SettingsStore> settings;
     std::shared_ptr<LoginItems> loginItems;
     std::shared_ptr<Workspace> workspace;
+    // Absent where the Music app is the one player to follow.
+    std::shared_ptr<FollowedPlayer> player;
     TimeOfDayFormatter timeOfDay = environmentTimeOfDay;
 };
 

@@ -24,7 +24,7 @@ void SwitcherEngine::start() {
     refreshDevice();
     installDefaultDeviceListener();
     installMusicObservers();
-    logLine("Started \u2014 watching Apple Music track changes");
+    logStart();
     spawn(ports_.executor, startupScan(weak_from_this()));
 }
 

@@ -101,6 +101,10 @@ class SwitcherEngine : public std::enable_shared_from_this<SwitcherEngine> {
 
     // Track changes
     void installMusicObservers();
+    // The first activity line names the player followed; where players come and go, each
+    // change of the followed player gets a line too.
+    void logStart();
+    void logFollowedPlayer();
     void scheduleScans();
     static Task<> delayedScan(std::weak_ptr<SwitcherEngine> weak, double delay,
                               std::int64_t generation);
@@ -136,6 +140,7 @@ class SwitcherEngine : public std::enable_shared_from_this<SwitcherEngine> {
     std::shared_ptr<SpectrumAnalyzer> spectrum_;
     std::int64_t scanGeneration_ = 0;
     std::vector<NotificationObserverToken> observers_;
+    Connection followedPlayerChanged_;
     std::optional<PropertyListenerID> rateListener_;
     std::optional<AudioObjectID> listeningDeviceID_;
 };

@@ -163,5 +163,37 @@ TEST_F(SwitcherEngineStateTest, WithoutAnyOutputDeviceTheEngineStartsEmpty) {
               std::vector<std::string>{"Started \u2014 watching Apple Music track changes"});
 }
 
+// Where players come and go (MPRIS on Linux), the activity names the one followed.
+class ScriptedFollowedPlayer final : public FollowedPlayer {
+  public:
+    std::optional<std::string> identity() const override { return name; }
+    void follow(std::optional<std::string> next) {
+        name = std::move(next);
+        changed.emit();
+    }
+    std::optional<std::string> name;
+};
+
+TEST_F(SwitcherEngineStateTest, ActivityNamesTheFollowedPlayerAsPlayersComeAndGo) {
+    mac.music->setRunning(false);
+    auto player = std::make_shared<ScriptedFollowedPlayer>();
+    PlatformPorts ports = mac.ports();
+    ports.player = player;
+
+    auto engine = SwitcherEngine::create(ports);
+    player->follow("Rhythmbox");
+    player->follow(std::nullopt);
+    EXPECT_EQ(activityTexts(engine->activity()),
+              (std::vector<std::string>{"Waiting for a music player to start",
+                                        "Now watching Rhythmbox track changes",
+                                        "Started \u2014 waiting for a music player to start"}));
+
+    engine.reset();
+    player->follow("Lollypop");  // the engine has gone: nothing to write to, nothing breaks
+    engine = SwitcherEngine::create(ports);
+    EXPECT_EQ(activityTexts(engine->activity()),
+              std::vector<std::string>{"Started \u2014 watching Lollypop track changes"});
+}
+
 }  // namespace
 }  // namespace corvanel
