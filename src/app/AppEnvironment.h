@@ -6,6 +6,7 @@
 #include <QString>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/MainExecutor.h"
 #include "platform/SettingsStore.h"
@@ -15,6 +16,11 @@ namespace corvanel {
 
 class SwitcherEngine;
 class WindowList;
+
+struct SoundSettingsApp {
+    QString title = QStringLiteral("Audio MIDI Setup");
+    std::string path = "/System/Applications/Utilities/Audio MIDI Setup.app";
+};
 
 struct AppEnvironment {
     std::shared_ptr<SwitcherEngine> engine;
@@ -31,6 +37,8 @@ struct AppEnvironment {
     std::function<QPoint()> pointerPosition;
     // What the popup says about the meters' capture: what is heard, and that nothing is kept.
     QString privacyNote;
+    // The system's own tool for the output device, offered in the popup's footer when present.
+    SoundSettingsApp soundSettings;
 };
 
 }  // namespace corvanel

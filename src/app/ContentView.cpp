@@ -229,11 +229,13 @@ QWidget* ContentView::makeFooter() {
             [this] { spawn(environment_.executor, environment_.engine->scan(scanSecondsBack)); });
     row->addWidget(scan);
     row->addStretch(1);
-    if (environment_.workspace && environment_.workspace->hasApplication(audioMidiSetupPath)) {
-        auto midi = new QPushButton("Audio MIDI Setup", footer);
+    const SoundSettingsApp& settingsApp = environment_.soundSettings;
+    if (environment_.workspace && environment_.workspace->hasApplication(settingsApp.path)) {
+        auto midi = new QPushButton(settingsApp.title, footer);
         midi->setObjectName("audioMidiSetupButton");
-        connect(midi, &QPushButton::clicked, this,
-                [this] { environment_.workspace->openApplication(audioMidiSetupPath); });
+        connect(midi, &QPushButton::clicked, this, [this] {
+            environment_.workspace->openApplication(environment_.soundSettings.path);
+        });
         row->addWidget(midi);
         row->addStretch(1);
     }

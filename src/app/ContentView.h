@@ -26,8 +26,6 @@ class ContentView final : public QWidget {
   public:
     static constexpr int contentWidth = 340;
     static constexpr std::size_t activityRows = 6;
-    static constexpr const char* audioMidiSetupPath =
-        "/System/Applications/Utilities/Audio MIDI Setup.app";
 
     explicit ContentView(AppEnvironment environment, QWidget* parent = nullptr);
     ~ContentView() override;

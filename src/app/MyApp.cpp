@@ -38,6 +38,7 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     environment_.quit = composition_.quit ? composition_.quit : [] { QCoreApplication::quit(); };
     environment_.pointerPosition = [] { return QCursor::pos(); };
     environment_.privacyNote = composition_.privacyNote;
+    environment_.soundSettings = composition_.soundSettings;
 
     popup_ = std::make_unique<PopupWindow>();
     content_ = new ContentView(environment_, popup_.get());

@@ -17,6 +17,7 @@
 #include "platform/sim/SimProcessTapHost.h"
 #if defined(__linux__)
 #include "platform/linux/PulseCaptureHost.h"
+#include "platform/qt/DesktopEntries.h"
 #include "platform/qt/XdgAutostart.h"
 #endif
 #if defined(__APPLE__)
@@ -119,6 +120,10 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     composition.windowChrome = desktopWindowChrome();
     composition.makeStatusItem = makeDesktopStatusItem;
     composition.privacyNote = privacyNoteFor(options);
+#if defined(__linux__)
+    composition.soundSettings = {QStringLiteral("Sound Settings"),
+                                 findSoundSettingsEntry().value_or(QString()).toStdString()};
+#endif
 #if defined(__APPLE__)
     // macOS: the native status item and window chrome wherever AppKit shows the windows (not on
     // the offscreen platform of headless runs), in the demo too; outside the demo the real

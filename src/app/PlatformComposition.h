@@ -8,6 +8,7 @@
 #include <string>
 #include <variant>
 
+#include "app/AppEnvironment.h"
 #include "app/AppOptions.h"
 #include "app/StatusItem.h"
 #include "app/WindowChrome.h"
@@ -35,6 +36,8 @@ struct Composition {
     std::shared_ptr<DemoPlayer> demo;
     // What the popup says about the capture this run uses.
     QString privacyNote;
+    // The system's tool for the output device that the popup offers.
+    SoundSettingsApp soundSettings;
     // Copies a user starts keep to one; a headless diagnostic run leaves the running copy alone.
     bool singleInstance = true;
     // What the user is told once in the activity log about the settings file, when it could

@@ -9,6 +9,8 @@
 #include <QStandardPaths>
 #include <utility>
 
+#include "platform/qt/DesktopEntries.h"
+
 namespace corvanel {
 namespace {
 
@@ -19,6 +21,11 @@ constexpr int letGoMilliseconds = 10000;
 // Copies started together take turns; each turn lasts at most one wait for an older copy.
 constexpr int turnMilliseconds = 3 * letGoMilliseconds;
 constexpr int claimAttempts = 3;
+
+// A Linux desktop names an application by its desktop entry, as macOS does by its bundle.
+bool isDesktopEntry(const QString& path) {
+    return path.endsWith(QStringLiteral(".desktop"));
+}
 
 }  // namespace
 
@@ -39,11 +46,16 @@ QString LocalWorkspace::defaultSocketPath() {
 }
 
 bool LocalWorkspace::hasApplication(const std::string& path) {
-    return QFileInfo::exists(QString::fromStdString(path));
+    const QString file = QString::fromStdString(path);
+    if (isDesktopEntry(file)) return desktopEntryCommand(file).has_value();
+    return QFileInfo::exists(file);
 }
 
 bool LocalWorkspace::openApplication(const std::string& path) {
-    return QProcess::startDetached(QString::fromStdString(path), {});
+    const QString file = QString::fromStdString(path);
+    if (!isDesktopEntry(file)) return QProcess::startDetached(file, {});
+    const std::optional<QStringList> command = desktopEntryCommand(file);
+    return command && QProcess::startDetached(command->front(), command->mid(1));
 }
 
 void LocalWorkspace::activateSelf() {
