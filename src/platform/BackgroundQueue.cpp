@@ -53,7 +53,8 @@ void BackgroundQueue::run(MainExecutor::Work work, MainExecutor::Work done) {
                                [finished] {
                                    for (const MainExecutor::Work& finish : *finished)
                                        finish();
-                               });
+                               },
+                               BackgroundPriority::userInitiated);
 }
 
 }  // namespace corvanel

@@ -1,7 +1,8 @@
 #pragma once
 // Blocking jobs that must neither overlap nor change order, such as the calls that create and
 // remove one set of capture objects: each job's work runs on a background thread of the
-// executor once every job queued before it has finished, and its `done` then runs on the main
+// executor, at the priority of work the user waits for, once every job queued before it has
+// finished, and its `done` then runs on the main
 // thread. A job queued while others run is taken on by the thread that runs them, so queued work
 // always runs in the background, also when the executor shuts down meanwhile (the `done`s are
 // dropped then). A copy is a handle to the same queue.

@@ -207,28 +207,52 @@ int thisThreadsPriority() {
 #endif
 }
 
-TEST(QtMainExecutorTest, BackgroundWorkRunsAtLowPriorityAndHandsBackOnTheMainThread) {
+bool runsAsTheMainThread(int mainPriority, int workPriority) {
+#if defined(__APPLE__)
+    (void)mainPriority;
+    return workPriority == static_cast<int>(QOS_CLASS_USER_INITIATED);
+#else
+    return workPriority == mainPriority;
+#endif
+}
+
+TEST(QtMainExecutorTest, BackgroundWorkRunsAtItsPriorityAndHandsBackOnTheMainThread) {
     testing::guiApplication();
     QtMainExecutor executor;
-    std::atomic<int> workPriority = 0;
+    std::atomic<int> utilityPriority = 0;
+    std::atomic<int> userPriority = 0;
+    std::atomic<int> startedThreadPriority = 0;
     std::atomic<bool> workOnMainThread = true;
     bool doneOnMainThread = false;
-    bool done = false;
+    int done = 0;
     const auto mainThread = std::this_thread::get_id();
     executor.runInBackground(
         [&] {
-            workPriority = thisThreadsPriority();
+            utilityPriority = thisThreadsPriority();
             workOnMainThread = std::this_thread::get_id() == mainThread;
         },
         [&] {
             doneOnMainThread = std::this_thread::get_id() == mainThread;
-            done = true;
-        });
-    processEventsUntil([&] { return done; });
-    ASSERT_TRUE(done);
+            ++done;
+        },
+        BackgroundPriority::utility);
+    executor.runInBackground(
+        [&] {
+            userPriority = thisThreadsPriority();
+            // As a sound server's client thread is started for a capture.
+            std::thread([&] { startedThreadPriority = thisThreadsPriority(); }).join();
+        },
+        [&] { ++done; }, BackgroundPriority::userInitiated);
+    processEventsUntil([&] { return done == 2; });
+    ASSERT_EQ(done, 2);
     EXPECT_FALSE(workOnMainThread);
     EXPECT_TRUE(doneOnMainThread);
-    EXPECT_TRUE(runsBelowTheMainThread(thisThreadsPriority(), workPriority));
+    EXPECT_TRUE(runsBelowTheMainThread(thisThreadsPriority(), utilityPriority));
+    EXPECT_TRUE(runsAsTheMainThread(thisThreadsPriority(), userPriority));
+#if defined(__linux__)
+    // A thread inherits its starter's nice value, and could never win back a lowered one.
+    EXPECT_EQ(startedThreadPriority, thisThreadsPriority());
+#endif
 }
 
 TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgroundWork) {
@@ -245,7 +269,7 @@ TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgrou
             opened.wait();
             workEnded = true;
         },
-        [held, &ran] { ++ran; });
+        [held, &ran] { ++ran; }, BackgroundPriority::utility);
     executor->post([held, &ran] { ++ran; });
     executor->postAfter(std::chrono::milliseconds(1), [held, &ran] { ++ran; });
     held.reset();
