@@ -103,7 +103,9 @@ TEST(HungSoundServer, CaptureStartKeepsTheMainThreadTurningAndFailsWithinTheDead
                   "). Check that a PulseAudio or PipeWire sound server runs for this session "
                   "(pactl info).");
     EXPECT_FALSE(analyzer->isCapturing());
-    EXPECT_LT(longestGap, milliseconds(100)) << inMilliseconds(longestGap) << " ms";
+    // Waiting on the server would stall the loop for the whole deadline; a turn a little late
+    // on a busy machine is not that.
+    EXPECT_LT(longestGap, milliseconds(250)) << inMilliseconds(longestGap) << " ms";
     EXPECT_GE(waited, PulseConnection::replyDeadline - milliseconds(100));
     EXPECT_LT(waited, PulseConnection::replyDeadline + std::chrono::seconds(2));
 

@@ -41,6 +41,17 @@ class CaptureStartTest : public ::testing::Test {
     void untilJustBeforeTheStartEnds() const { world.executor->advanceBy(slowStart * 0.99); }
     void untilTheStartHasEnded() const { world.executor->advanceBy(slowStart * 0.01); }
 
+    // Two starts: what the first built was removed before the second reached the host, so one
+    // capture runs, in one piece.
+    void expectOneCaptureAfterAReplacedOne() const {
+        const std::vector<std::size_t> starts = placesOf(*world.taps, Op::createProcessTap);
+        const std::vector<std::size_t> removals = placesOf(*world.taps, Op::destroyProcessTap);
+        ASSERT_EQ(starts.size(), 2u);
+        ASSERT_EQ(removals.size(), 1u);
+        EXPECT_LT(removals[0], starts[1]);
+        EXPECT_EQ(world.taps->liveObjectCount(), 3u);
+    }
+
     SpectrumTestWorld world;
 };
 
@@ -117,13 +128,7 @@ TEST_F(CaptureStartTest, OffAndOnAgainDuringAStartEndsWithOneFreshCapture) {
     EXPECT_FALSE(analyzer->isCapturing());
     world.executor->advanceBy(slowStart);
     EXPECT_TRUE(analyzer->isCapturing());
-    // The removal reached the host before the new start: one capture, in one piece.
-    const std::vector<std::size_t> starts = placesOf(*world.taps, Op::createProcessTap);
-    const std::vector<std::size_t> removals = placesOf(*world.taps, Op::destroyProcessTap);
-    ASSERT_EQ(starts.size(), 2u);
-    ASSERT_EQ(removals.size(), 1u);
-    EXPECT_LT(removals[0], starts[1]);
-    EXPECT_EQ(world.taps->liveObjectCount(), 3u);
+    expectOneCaptureAfterAReplacedOne();
     world.executor->advanceBy(Seconds{10});
     EXPECT_EQ(countOf(*world.taps, Op::createProcessTap), 2);
 }
@@ -134,12 +139,7 @@ TEST_F(CaptureStartTest, ARebuildDueDuringAStartReplacesWhatThatStartBuilt) {
     // The rebuild falls due 0.6 s later, while the first start is still under way.
     world.executor->advanceBy(slowStart * 3);
     EXPECT_TRUE(analyzer->isCapturing());
-    const std::vector<std::size_t> starts = placesOf(*world.taps, Op::createProcessTap);
-    const std::vector<std::size_t> removals = placesOf(*world.taps, Op::destroyProcessTap);
-    ASSERT_EQ(starts.size(), 2u);
-    ASSERT_EQ(removals.size(), 1u);
-    EXPECT_LT(removals[0], starts[1]);
-    EXPECT_EQ(world.taps->liveObjectCount(), 3u);
+    expectOneCaptureAfterAReplacedOne();
 }
 
 TEST_F(CaptureStartTest, AStartThatEndsAfterTheAnalyzerIsGoneLeavesNothingBehind) {
