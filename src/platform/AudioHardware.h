@@ -1,7 +1,8 @@
 #pragma once
 // Port: the audio-object property interface (AudioObjectGetPropertyDataSize, ...GetPropertyData,
 // ...SetPropertyData, ...AddPropertyListenerBlock, ...RemovePropertyListenerBlock). Everything
-// above it (sized reads, range expansion, format choice) is portable code.
+// above it (sized reads, range expansion, format choice) is portable code. The reads are safe
+// from any thread, as CoreAudio's are: capture is built on a background thread.
 #include <cstdint>
 #include <functional>
 #include <string>

@@ -8,6 +8,15 @@
 
 namespace corvanel {
 
+// How a background thread stands against the rest of the process.
+enum class BackgroundPriority {
+    // Yields to everything the user sees and hears (the log scan).
+    utility,
+    // Work the user waits for; threads it starts (a sound server's client thread that delivers
+    // captured audio) keep that priority.
+    userInitiated,
+};
+
 class MainExecutor {
   public:
     using Work = std::function<void()>;
@@ -18,10 +27,10 @@ class MainExecutor {
     virtual void post(Work work) = 0;
     // Runs `work` on the main thread once `delay` has passed on the monotonic clock.
     virtual void postAfter(std::chrono::nanoseconds delay, Work work) = 0;
-    // Runs `work` on a background thread of low (utility) priority, then `done` on the main
-    // thread. Meanwhile `done` waits with the executor, not with the work, so shutting down drops
-    // it on the main thread without waiting for the work.
-    virtual void runInBackground(Work work, Work done) = 0;
+    // Runs `work` on a background thread of that priority, then `done` on the main thread.
+    // Meanwhile `done` waits with the executor, not with the work, so shutting down drops it on
+    // the main thread without waiting for the work.
+    virtual void runInBackground(Work work, Work done, BackgroundPriority priority) = 0;
     // The end of the run, on the main thread: drops every pending work item (and what it holds)
     // now, and every item posted later. Nothing waits for background work.
     virtual void shutDown() = 0;

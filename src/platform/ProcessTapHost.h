@@ -3,6 +3,11 @@
 // AudioHardwareCreateProcessTap, AudioHardwareCreateAggregateDevice, the aggregate device's input
 // stream configuration, AudioDeviceCreateIOProcIDWithBlock, AudioDeviceStart/Stop, the matching
 // destroys).
+//
+// Threads: the operations are called one at a time and in order, but from background threads
+// (one job after another, not always the same thread), so that a platform that does not answer
+// never holds up the main thread; they may block. Nothing else of the host's state is touched
+// meanwhile, except through setFailureHandler, which is called before any capture is built.
 #include <cstdint>
 #include <functional>
 #include <string>

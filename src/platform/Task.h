@@ -201,8 +201,8 @@ inline CancelledQuery isCancelled() {
     return {};
 }
 
-// co_await runInBackground(fn): runs fn on the executor's background thread and resumes on the
-// main thread with its value. fn must not touch main-thread state. The suspended task stays
+// co_await runInBackground(fn): runs fn on a background thread of utility priority and resumes on
+// the main thread with its value. fn must not touch main-thread state. The suspended task stays
 // with the executor, not with fn, so it can be dropped while fn still runs.
 template <typename F>
 struct BackgroundAwaiter {
@@ -219,7 +219,8 @@ struct BackgroundAwaiter {
         if (!executor) return;  // no executor: the task can never resume; the drop destroys it
         executor->runInBackground(
             [out = result, work = std::move(work)]() mutable { out->emplace(work()); },
-            [resumption = std::move(resumption)] { resumption->resume(); });
+            [resumption = std::move(resumption)] { resumption->resume(); },
+            BackgroundPriority::utility);
     }
     Result await_resume() { return std::move(**result); }
 };

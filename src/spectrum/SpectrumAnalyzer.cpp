@@ -19,6 +19,12 @@ constexpr float rmsFloor = 1e-9f;
 
 }  // namespace
 
+// One start: built on the background thread, read on the main thread once it has ended.
+struct SpectrumAnalyzer::StartAttempt {
+    std::unique_ptr<TapPipeline> pipeline;
+    std::optional<SpectrumError> error;
+};
+
 std::shared_ptr<SpectrumAnalyzer> SpectrumAnalyzer::create(PlatformPorts ports) {
     auto analyzer = std::make_shared<SpectrumAnalyzer>(ConstructionKey{}, std::move(ports));
     analyzer->menuBarEnabled_ = readBool(*analyzer->ports_.settings, enabledKey, true);
@@ -29,7 +35,7 @@ std::shared_ptr<SpectrumAnalyzer> SpectrumAnalyzer::create(PlatformPorts ports) 
                 if (const auto target = weak.lock()) target->captureLost(proc, status);
             });
         });
-    if (analyzer->menuBarEnabled_ && !analyzer->pipeline_.isRunning()) analyzer->startSequence();
+    if (analyzer->menuBarEnabled_ && !analyzer->isCapturing()) analyzer->startSequence();
     return analyzer;
 }
 
@@ -37,13 +43,16 @@ SpectrumAnalyzer::SpectrumAnalyzer(ConstructionKey, PlatformPorts ports)
     : ports_(std::move(ports)),
       ring_(std::make_shared<SampleRingBuffer>(
           [executor = ports_.executor] { return executor->monotonicNow(); })),
-      pipeline_(ports_.taps, ports_.audio, ring_) {
+      captureWork_(ports_.executor) {
     peakTimes_.fill(MonoTime::min());
 }
 
 SpectrumAnalyzer::~SpectrumAnalyzer() {
     if (analysisTask_) analysisTask_->cancel();
     if (restartTask_) restartTask_->cancel();
+    // The running capture goes here, at the end of the run, rather than on a thread that the
+    // process's exit could overtake. No other capture job runs while one is running.
+    pipeline_.reset();
 }
 
 const std::array<double, SpectrumAnalyzer::bandCount>& SpectrumAnalyzer::bandCenters() {
@@ -75,16 +84,16 @@ void SpectrumAnalyzer::meterWindowDisappeared() {
 }
 
 void SpectrumAnalyzer::reconcileCapture() {
-    if (!menuBarEnabled_ && visibleMeterWindows_ < 1) {
+    if (!captureWanted()) {
         stop();
-    } else if (!pipeline_.isRunning()) {
+    } else if (!isCapturing()) {
         // A failed start is not retried by itself; the next reconcile tries again.
         startSequence();
     }
 }
 
 void SpectrumAnalyzer::deviceConfigurationChanged() {
-    if (!menuBarEnabled_ && visibleMeterWindows_ < 1) return;
+    if (!captureWanted()) return;
     if (restartTask_) restartTask_->cancel();
     restartTask_ = spawn(ports_.executor, rebuildAfterDelay(weak_from_this()));
 }
@@ -96,23 +105,65 @@ Task<> SpectrumAnalyzer::rebuildAfterDelay(std::weak_ptr<SpectrumAnalyzer> weak)
     if (co_await isCancelled()) co_return;
     const auto analyzer = weak.lock();
     if (!analyzer) co_return;
-    analyzer->pipeline_.teardown();
-    if (!analyzer->pipeline_.isRunning()) analyzer->startSequence();
+    analyzer->dropCapture();
+    analyzer->startSequence();
 }
 
 // --- Start and stop -----------------------------------------------------------------------
 
 void SpectrumAnalyzer::startSequence() {
     setStatusMessage(std::nullopt);
-    if (auto error = pipeline_.build()) {
-        setStatusMessage(error->message);
-        pipeline_.teardown();
+    // One start at a time. One that is no longer wanted when it ends starts afresh then.
+    if (starting_) return;
+    starting_ = true;
+    auto attempt = std::make_shared<StartAttempt>();
+    attempt->pipeline =
+        std::make_unique<TapPipeline>(ports_.taps, ports_.audio, ring_, tapSampleRate_);
+    captureWork_.run(
+        [attempt] {
+            attempt->error = attempt->pipeline->build();
+            if (attempt->error) attempt->pipeline->teardown();
+        },
+        [weak = weak_from_this(), attempt, captureWork = captureWork_,
+         generation = startGeneration_]() mutable {
+            if (const auto analyzer = weak.lock()) {
+                analyzer->finishStart(*attempt, generation);
+            } else {
+                release(captureWork, std::move(attempt->pipeline));
+            }
+        });
+}
+
+void SpectrumAnalyzer::finishStart(StartAttempt& attempt, std::uint64_t generation) {
+    starting_ = false;
+    if (generation != startGeneration_) {
+        // Stopped or rebuilt while it was being built: what it built goes.
+        release(captureWork_, std::move(attempt.pipeline));
+        if (captureWanted()) startSequence();
+        return;
+    }
+    tapSampleRate_ = attempt.pipeline->tapSampleRate();
+    if (attempt.error) {
+        setStatusMessage(attempt.error->message);
         if (recoveryDelay_) scheduleRecovery();
     } else {
+        pipeline_ = std::move(attempt.pipeline);
         recoveryDelay_.reset();
     }
     // A started analyzer always ticks, also after a failed build: outputs decay or hold.
     startAnalysisLoop();
+}
+
+void SpectrumAnalyzer::dropCapture() {
+    ++startGeneration_;
+    release(captureWork_, std::move(pipeline_));
+}
+
+void SpectrumAnalyzer::release(BackgroundQueue& captureWork,
+                               std::unique_ptr<TapPipeline> pipeline) {
+    if (!pipeline) return;
+    captureWork.run(
+        [removed = std::shared_ptr<TapPipeline>(std::move(pipeline))] { removed->teardown(); });
 }
 
 void SpectrumAnalyzer::stop() {
@@ -121,7 +172,7 @@ void SpectrumAnalyzer::stop() {
     recoveryDelay_.reset();
     if (analysisTask_) analysisTask_->cancel();
     analysisTask_.reset();
-    pipeline_.teardown();
+    dropCapture();
     levels_.assign(bandCount, 0.0f);
     peaks_.assign(bandCount, 0.0f);
     leftLevel_ = 0;
@@ -134,10 +185,10 @@ void SpectrumAnalyzer::stop() {
 
 void SpectrumAnalyzer::captureLost(IOProcID proc, OSStatus status) {
     // A report about a capture that has been stopped or rebuilt since changes nothing.
-    if (pipeline_.ioProcID() != proc) return;
-    pipeline_.teardown();
+    if (!pipeline_ || pipeline_->ioProcID() != proc) return;
     const char* const step = "keep audio capture running";
-    const std::optional<SpectrumError> error = pipeline_.check(status, step);
+    const std::optional<SpectrumError> error = pipeline_->check(status, step);
+    release(captureWork_, std::move(pipeline_));
     setStatusMessage(error ? error->message : "Could not " + std::string(step) + ".");
     recoveryDelay_ = firstRecoveryDelay;
     scheduleRecovery();
@@ -154,7 +205,7 @@ Task<> SpectrumAnalyzer::recoverAfterDelay(std::weak_ptr<SpectrumAnalyzer> weak,
     co_await sleepFor(delay);
     if (co_await isCancelled()) co_return;
     const auto analyzer = weak.lock();
-    if (!analyzer || analyzer->pipeline_.isRunning()) co_return;
+    if (!analyzer || analyzer->isCapturing()) co_return;
     // A failed attempt schedules the next one, a little later.
     analyzer->startSequence();
 }
@@ -192,7 +243,7 @@ void SpectrumAnalyzer::updateLevels() {
                        LevelDynamics::fallWithoutData);
         levels_ = std::move(fallen);
     } else {
-        const BandSpectrum::Targets targets = spectrum_.computeTargets(pipeline_.tapSampleRate());
+        const BandSpectrum::Targets targets = spectrum_.computeTargets(tapSampleRate_);
         std::vector<float> smoothed(bandCount);
         for (std::size_t band = 0; band < bandCount; ++band)
             smoothed[band] = LevelDynamics::smoothBand(levels_[band], targets[band]);

@@ -4,6 +4,11 @@
 // captured samples into 40 band levels on a logarithmic axis, a peak-hold per band, and a left
 // and right level on a VU scale. It runs capture only while something shows live audio: the
 // menu-bar image when the user wants it, or at least one open meter window.
+//
+// Capture is built and removed on a background thread, one job after another, so that a sound
+// server that does not answer never holds up the main thread: a start ends on the main thread,
+// which takes the built capture on only if it is still wanted (no stop, rebuild or newer start
+// came in between) and otherwise hands it back for removal.
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -11,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/BackgroundQueue.h"
 #include "platform/Clock.h"
 #include "platform/PlatformPorts.h"
 #include "platform/Signal.h"
@@ -53,8 +59,10 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
     const std::optional<std::string>& statusMessage() const { return statusMessage_; }
     bool menuBarEnabled() const { return menuBarEnabled_; }
     std::int64_t visibleMeterWindows() const { return visibleMeterWindows_; }
-    double tapSampleRate() const { return pipeline_.tapSampleRate(); }
-    bool isCapturing() const { return pipeline_.isRunning(); }
+    double tapSampleRate() const { return tapSampleRate_; }
+    // True once a start has succeeded and its capture runs; false while a start is still under
+    // way, after a failed one and after a stop.
+    bool isCapturing() const { return pipeline_ != nullptr; }
 
     // The user's "Live EQ in menu bar" choice: stored every time, then capture is reconciled.
     void setMenuBarEnabled(bool enabled);
@@ -81,7 +89,14 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
     SpectrumAnalyzer(ConstructionKey, PlatformPorts ports);
 
   private:
+    struct StartAttempt;
+
+    bool captureWanted() const { return menuBarEnabled_ || visibleMeterWindows_ >= 1; }
     void startSequence();
+    void finishStart(StartAttempt& attempt, std::uint64_t generation);
+    // Starts that are under way will not be taken on; the running capture is removed.
+    void dropCapture();
+    static void release(BackgroundQueue& captureWork, std::unique_ptr<TapPipeline> pipeline);
     void captureLost(IOProcID proc, OSStatus status);
     void scheduleRecovery();
     void stop();
@@ -109,7 +124,14 @@ class SpectrumAnalyzer : public std::enable_shared_from_this<SpectrumAnalyzer> {
     // While capture lost after its start is being won back: the wait before the next attempt.
     std::optional<Seconds> recoveryDelay_;
     std::shared_ptr<SampleRingBuffer> ring_;
-    TapPipeline pipeline_;
+    // Building and removing capture, in order, off the main thread.
+    BackgroundQueue captureWork_;
+    // The running capture, once a start has succeeded.
+    std::unique_ptr<TapPipeline> pipeline_;
+    double tapSampleRate_ = TapPipeline::defaultSampleRate;
+    bool starting_ = false;
+    // Counts what makes a start under way unwanted: a start carries the value it began with.
+    std::uint64_t startGeneration_ = 0;
     BandSpectrum spectrum_;
 };
 

@@ -10,8 +10,11 @@
 namespace corvanel {
 
 TapPipeline::TapPipeline(std::shared_ptr<ProcessTapHost> host, std::shared_ptr<AudioHardware> audio,
-                         std::shared_ptr<SampleRingBuffer> ring)
-    : host_(std::move(host)), audio_(std::move(audio)), ring_(std::move(ring)) {}
+                         std::shared_ptr<SampleRingBuffer> ring, double sampleRate)
+    : host_(std::move(host)),
+      audio_(std::move(audio)),
+      ring_(std::move(ring)),
+      tapSampleRate_(sampleRate) {}
 
 TapPipeline::~TapPipeline() {
     teardown();

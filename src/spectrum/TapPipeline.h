@@ -19,8 +19,9 @@ class TapPipeline {
   public:
     static constexpr double defaultSampleRate = 44100;
 
+    // `sampleRate`: what tapSampleRate() says until a format read says otherwise.
     TapPipeline(std::shared_ptr<ProcessTapHost> host, std::shared_ptr<AudioHardware> audio,
-                std::shared_ptr<SampleRingBuffer> ring);
+                std::shared_ptr<SampleRingBuffer> ring, double sampleRate = defaultSampleRate);
     ~TapPipeline();
     TapPipeline(const TapPipeline&) = delete;
     TapPipeline& operator=(const TapPipeline&) = delete;

@@ -1,6 +1,6 @@
 // The Qt adapters: typed settings across store instances, the locale's time of day, the main
-// executor's background work and shut-down, and the single-instance handshake over the local
-// socket.
+// executor's background work and shut-down, a queue of background jobs on it, and the
+// single-instance handshake over the local socket.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -13,10 +13,13 @@
 #include <QTest>
 #include <QThread>
 #include <atomic>
+#include <functional>
 #include <future>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 #if defined(__APPLE__)
 #include <pthread/qos.h>
@@ -26,6 +29,7 @@
 #endif
 
 #include "GuiApplication.h"
+#include "platform/BackgroundQueue.h"
 #include "platform/qt/LocalWorkspace.h"
 #include "platform/qt/QtMainExecutor.h"
 #include "platform/qt/QtSettingsStore.h"
@@ -33,6 +37,14 @@
 
 namespace corvanel {
 namespace {
+
+// Runs the event loop until `done` holds or five seconds have passed.
+template <typename Condition>
+void processEventsUntil(Condition done) {
+    QDeadlineTimer deadline(5000);
+    while (!done() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
 
 class QtSettingsStoreTest : public ::testing::Test {
   protected:
@@ -195,30 +207,52 @@ int thisThreadsPriority() {
 #endif
 }
 
-TEST(QtMainExecutorTest, BackgroundWorkRunsAtLowPriorityAndHandsBackOnTheMainThread) {
+bool runsAsTheMainThread(int mainPriority, int workPriority) {
+#if defined(__APPLE__)
+    (void)mainPriority;
+    return workPriority == static_cast<int>(QOS_CLASS_USER_INITIATED);
+#else
+    return workPriority == mainPriority;
+#endif
+}
+
+TEST(QtMainExecutorTest, BackgroundWorkRunsAtItsPriorityAndHandsBackOnTheMainThread) {
     testing::guiApplication();
     QtMainExecutor executor;
-    std::atomic<int> workPriority = 0;
+    std::atomic<int> utilityPriority = 0;
+    std::atomic<int> userPriority = 0;
+    std::atomic<int> startedThreadPriority = 0;
     std::atomic<bool> workOnMainThread = true;
     bool doneOnMainThread = false;
-    bool done = false;
+    int done = 0;
     const auto mainThread = std::this_thread::get_id();
     executor.runInBackground(
         [&] {
-            workPriority = thisThreadsPriority();
+            utilityPriority = thisThreadsPriority();
             workOnMainThread = std::this_thread::get_id() == mainThread;
         },
         [&] {
             doneOnMainThread = std::this_thread::get_id() == mainThread;
-            done = true;
-        });
-    QDeadlineTimer deadline(5000);
-    while (!done && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    ASSERT_TRUE(done);
+            ++done;
+        },
+        BackgroundPriority::utility);
+    executor.runInBackground(
+        [&] {
+            userPriority = thisThreadsPriority();
+            // As a sound server's client thread is started for a capture.
+            std::thread([&] { startedThreadPriority = thisThreadsPriority(); }).join();
+        },
+        [&] { ++done; }, BackgroundPriority::userInitiated);
+    processEventsUntil([&] { return done == 2; });
+    ASSERT_EQ(done, 2);
     EXPECT_FALSE(workOnMainThread);
     EXPECT_TRUE(doneOnMainThread);
-    EXPECT_TRUE(runsBelowTheMainThread(thisThreadsPriority(), workPriority));
+    EXPECT_TRUE(runsBelowTheMainThread(thisThreadsPriority(), utilityPriority));
+    EXPECT_TRUE(runsAsTheMainThread(thisThreadsPriority(), userPriority));
+#if defined(__linux__)
+    // A thread inherits its starter's nice value, and could never win back a lowered one.
+    EXPECT_EQ(startedThreadPriority, thisThreadsPriority());
+#endif
 }
 
 TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgroundWork) {
@@ -235,7 +269,7 @@ TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgrou
             opened.wait();
             workEnded = true;
         },
-        [held, &ran] { ++ran; });
+        [held, &ran] { ++ran; }, BackgroundPriority::utility);
     executor->post([held, &ran] { ++ran; });
     executor->postAfter(std::chrono::milliseconds(1), [held, &ran] { ++ran; });
     held.reset();
@@ -253,12 +287,73 @@ TEST(QtMainExecutorTest, ShuttingDownDropsPendingWorkAtOnceAndWaitsForNoBackgrou
     EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(500));
 
     opener.join();
-    QDeadlineTimer deadline(5000);
-    while (!workEnded && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    processEventsUntil([&] { return workEnded.load(); });
     EXPECT_TRUE(workEnded);
     QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
     EXPECT_EQ(ran, 0);
+}
+
+TEST(BackgroundQueueTest, JobsRunOneAtATimeInOrderOffTheMainThread) {
+    testing::guiApplication();
+    const auto executor = std::make_shared<QtMainExecutor>();
+    BackgroundQueue queue(executor);
+    const auto mainThread = std::this_thread::get_id();
+    std::mutex mutex;
+    std::vector<int> worked;  // under `mutex`
+    std::atomic<int> running = 0;
+    std::atomic<bool> overlapped = false;
+    std::atomic<bool> workOnMainThread = false;
+    std::vector<int> finished;
+    bool doneOffMainThread = false;
+
+    std::function<void(int)> queueJob = [&](int number) {
+        queue.run(
+            [&, number] {
+                overlapped = overlapped || running.fetch_add(1) != 0;
+                workOnMainThread = workOnMainThread || std::this_thread::get_id() == mainThread;
+                std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                {
+                    std::lock_guard lock(mutex);
+                    worked.push_back(number);
+                }
+                running.fetch_sub(1);
+            },
+            [&, number] {
+                doneOffMainThread = doneOffMainThread || std::this_thread::get_id() != mainThread;
+                finished.push_back(number);
+                // A job queued once the others have finished runs as well.
+                if (number == 0) queueJob(3);
+            });
+    };
+    for (int number = 0; number < 3; ++number)
+        queueJob(number);
+    processEventsUntil([&] { return finished.size() == 4; });
+
+    const std::vector<int> inOrder{0, 1, 2, 3};
+    EXPECT_EQ(finished, inOrder);
+    std::lock_guard lock(mutex);
+    EXPECT_EQ(worked, inOrder);
+    EXPECT_FALSE(overlapped);
+    EXPECT_FALSE(workOnMainThread);
+    EXPECT_FALSE(doneOffMainThread);
+}
+
+TEST(BackgroundQueueTest, QueuedWorkStillRunsInTheBackgroundAfterTheExecutorShutsDown) {
+    testing::guiApplication();
+    const auto executor = std::make_shared<QtMainExecutor>();
+    BackgroundQueue queue(executor);
+    std::promise<void> gate;
+    std::shared_future<void> opened = gate.get_future().share();
+    std::atomic<bool> laterWorkRan = false;
+    int dones = 0;
+    queue.run([opened] { opened.wait(); }, [&dones] { ++dones; });
+    queue.run([&laterWorkRan] { laterWorkRan = true; }, [&dones] { ++dones; });
+    executor->shutDown();
+    gate.set_value();
+    processEventsUntil([&] { return laterWorkRan.load(); });
+    EXPECT_TRUE(laterWorkRan);
+    QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    EXPECT_EQ(dones, 0);
 }
 
 TEST(LocalWorkspaceTest, TheNewerCopyAsksTheOlderToQuitAndTakesTheSocket) {

@@ -137,6 +137,7 @@ TEST_F(PulseCaptureTest, AToneInTheDefaultSinkShowsInItsBand) {
 
     analyzer->setMenuBarEnabled(false);
     EXPECT_FALSE(analyzer->isCapturing());
+    executor->runUntilIdle();  // the recording is removed in the background
     EXPECT_TRUE(host->currentMonitor().empty());
 }
 

@@ -47,12 +47,13 @@ TEST_F(CaptureLifecycleTest, FirstLaunchCapturesUntilTheMenuImageIsSwitchedOff) 
 
     analyzer->setMenuBarEnabled(false);
     EXPECT_FALSE(analyzer->isCapturing());
-    EXPECT_EQ(world.taps->liveObjectCount(), 0u);
     EXPECT_TRUE(allZero(analyzer->levels()));
     EXPECT_TRUE(allZero(analyzer->peaks()));
     EXPECT_EQ(analyzer->leftLevel(), 0.0f);
     EXPECT_EQ(analyzer->rightLevel(), 0.0f);
     EXPECT_EQ(world.settings->read("spectrumEnabled"), SettingValue{false});
+    world.settle();
+    EXPECT_EQ(world.taps->liveObjectCount(), 0u);
     // Nothing ticks any more: the outputs stay at rest.
     world.executor->advanceBy(Seconds{1});
     EXPECT_TRUE(allZero(analyzer->levels()));
@@ -83,7 +84,7 @@ TEST_F(CaptureLifecycleTest, CaptureLostAfterItsStartSaysSoAndComesBackByItself)
     // The sound server goes away: the running capture stops, and new taps are refused.
     world.taps->failOperation(Op::createProcessTap, 6);
     world.taps->loseCapture(-10);
-    world.executor->runUntilIdle();
+    world.settle();
     EXPECT_FALSE(analyzer->isCapturing());
     EXPECT_EQ(analyzer->statusMessage(),
               std::optional<std::string>(
@@ -120,7 +121,7 @@ TEST_F(CaptureLifecycleTest, CaptureLostAfterItsStartSaysSoAndComesBackByItself)
     // Lost again while nothing wants capture any more: no attempts at all.
     world.taps->failOperation(Op::createProcessTap, 6);
     world.taps->loseCapture(-10);
-    world.executor->runUntilIdle();
+    world.settle();
     analyzer->setMenuBarEnabled(false);
     EXPECT_EQ(attemptsAfter(120.0), 0);
 }
@@ -131,7 +132,7 @@ TEST_F(CaptureLifecycleTest, ALossReportedForAReplacedCaptureChangesNothing) {
     // Before the report reaches the main thread, capture is stopped and started afresh.
     analyzer->setMenuBarEnabled(false);
     analyzer->setMenuBarEnabled(true);
-    world.executor->runUntilIdle();
+    world.settle();
     EXPECT_TRUE(analyzer->isCapturing());
     EXPECT_FALSE(analyzer->statusMessage().has_value());
     world.executor->advanceBy(Seconds{60});
@@ -157,16 +158,20 @@ TEST_F(CaptureLifecycleTest, MeterWindowsMakeDemandWhileTheMenuImageIsOff) {
     const auto analyzer = world.makeAnalyzer();
 
     analyzer->meterWindowAppeared();  // the panel
+    world.settle();
     EXPECT_TRUE(analyzer->isCapturing());
     const auto callsWithOne = world.taps->calls().size();
     analyzer->meterWindowAppeared();  // the candle-light window as well: nothing changes
+    world.settle();
     EXPECT_EQ(world.taps->calls().size(), callsWithOne);
     EXPECT_EQ(analyzer->visibleMeterWindows(), 2);
 
     analyzer->meterWindowDisappeared();
+    world.settle();
     EXPECT_TRUE(analyzer->isCapturing());
     analyzer->meterWindowDisappeared();
     EXPECT_FALSE(analyzer->isCapturing());
+    world.settle();
     EXPECT_EQ(world.taps->liveObjectCount(), 0u);
 
     analyzer->meterWindowDisappeared();  // already none: stays at 0
@@ -184,6 +189,7 @@ TEST_F(CaptureLifecycleTest, TheMenuImageAndWindowsTogether) {
     analyzer->meterWindowDisappeared();
     EXPECT_FALSE(analyzer->isCapturing());
     analyzer->setMenuBarEnabled(true);
+    world.settle();
     EXPECT_TRUE(analyzer->isCapturing());
 }
 
@@ -207,6 +213,7 @@ TEST_F(CaptureLifecycleTest, SettingTheSameChoiceStillStoresItAndReconciles) {
     ASSERT_FALSE(analyzer->isCapturing());
     world.taps->failOperation(Op::createProcessTap, kNoErr);
     analyzer->setMenuBarEnabled(true);
+    world.settle();
     EXPECT_TRUE(analyzer->isCapturing());
 }
 
@@ -218,6 +225,7 @@ TEST_F(CaptureLifecycleTest, AMissingPermissionShowsUntilAStartSucceeds) {
     Connection connection = analyzer->stateChanged.connect([&] { ++stateChanges; });
 
     analyzer->meterWindowAppeared();
+    world.settle();
     const std::string expected =
         "Could not create the audio tap (error -1). Check System Settings ▸ Privacy & Security "
         "▸ Screen & System Audio Recording.";
@@ -232,11 +240,13 @@ TEST_F(CaptureLifecycleTest, AMissingPermissionShowsUntilAStartSucceeds) {
 
     // Not retried by itself; the next window tries again (and fails again).
     analyzer->meterWindowAppeared();
+    world.settle();
     EXPECT_EQ(analyzer->statusMessage(), expected);
     EXPECT_EQ(countOf(*world.taps, Op::createProcessTap), 2);
 
     world.taps->failOperation(Op::createProcessTap, kNoErr);
     analyzer->setMenuBarEnabled(true);
+    world.settle();
     EXPECT_FALSE(analyzer->statusMessage().has_value());
     EXPECT_TRUE(analyzer->isCapturing());
 }
@@ -247,6 +257,7 @@ TEST_F(CaptureLifecycleTest, StoppingClearsTheMessage) {
     EXPECT_TRUE(analyzer->statusMessage().has_value());
     analyzer->setMenuBarEnabled(false);
     EXPECT_FALSE(analyzer->statusMessage().has_value());
+    world.settle();
     EXPECT_EQ(world.taps->liveObjectCount(), 0u);
 }
 
@@ -295,6 +306,7 @@ TEST_F(CaptureLifecycleTest, DeviceChangesWithoutDemandOrAfterItEndsDoNothing) {
     analyzer->deviceConfigurationChanged();
     world.executor->advanceBy(Seconds{0.3});
     analyzer->meterWindowDisappeared();  // demand ends: the pending rebuild is cancelled
+    world.settle();
     world.taps->clearCalls();
     world.executor->advanceBy(Seconds{1});
     EXPECT_TRUE(world.taps->calls().empty());

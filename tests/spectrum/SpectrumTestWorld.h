@@ -78,7 +78,7 @@ struct SpectrumTestWorld {
 
     std::shared_ptr<SpectrumAnalyzer> makeAnalyzer() const {
         auto analyzer = SpectrumAnalyzer::create(ports());
-        executor->runUntilIdle();
+        settle();
         return analyzer;
     }
 
@@ -87,6 +87,10 @@ struct SpectrumTestWorld {
         for (int i = 0; i < 8; ++i)
             taps->deliverBlock();
     }
+
+    // Lets what is due now run: capture is built and removed in the background, and a start
+    // ends on the main thread.
+    void settle() const { executor->runUntilIdle(); }
 
     // Runs exactly one analysis tick (ticks fall every 33 ms of virtual time).
     void tick() const { executor->advanceBy(SpectrumAnalyzer::tickInterval); }

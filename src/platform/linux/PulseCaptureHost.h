@@ -19,6 +19,8 @@
 // PulseConnection::replyDeadline, and one without a default sink with noOutputDeviceStatus.
 // A recording the server ends (it quit, or the sink went away with no other to follow) is
 // reported to the failure handler. Blocks arrive on the pulse thread, one at a time, in order.
+// The operations may come from different threads, one after another (see ProcessTapHost);
+// removal never waits for the server, so a hung one cannot hold it up.
 #include <pulse/pulseaudio.h>
 
 #include <cstdint>
@@ -41,6 +43,7 @@ class PulseCaptureHost final : public ProcessTapHost {
     PulseCaptureHost& operator=(const PulseCaptureHost&) = delete;
 
     // The monitor being recorded (it changes when the default sink does); empty without a tap.
+    // Not while an operation runs on another thread.
     std::string currentMonitor() const;
 
     OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) override;

@@ -1,5 +1,8 @@
 // ProcessTapHost on CoreAudio's process taps (macOS 14.2), private aggregate devices and block IO
 // procedures. The IO block runs on one serial queue and only forwards the buffer list.
+// CoreAudio's calls are safe on any thread and the host keeps no state but that queue, so the
+// background threads that build and remove capture call it directly. Such a thread has no
+// autorelease pool of its own, so the calls here that make Foundation objects bring one.
 #import <CoreAudio/AudioHardwareTapping.h>
 #import <CoreAudio/CATapDescription.h>
 #import <CoreAudio/CoreAudio.h>
@@ -75,21 +78,23 @@ class MacProcessTapHost final : public ProcessTapHost {
 
     OSStatus createProcessTap(const TapDescription& description, AudioObjectID& outTap) override {
         if (@available(macOS 14.2, *)) {
-            NSMutableArray<NSNumber*>* excluded =
-                [NSMutableArray arrayWithCapacity:description.excludedProcesses.size()];
-            for (const AudioObjectID process : description.excludedProcesses)
-                [excluded addObject:@(process)];
-            CATapDescription* tap =
-                description.stereoMixdown
-                    ? [[CATapDescription alloc] initStereoGlobalTapButExcludeProcesses:excluded]
-                    : [[CATapDescription alloc] initMonoGlobalTapButExcludeProcesses:excluded];
-            tap.name = nsString(description.name);
-            tap.privateTap = description.isPrivate;
-            tap.muteBehavior = static_cast<CATapMuteBehavior>(description.muteBehavior);
-            ::AudioObjectID tapID = ::kAudioObjectUnknown;
-            const OSStatus status = AudioHardwareCreateProcessTap(tap, &tapID);
-            outTap = tapID;
-            return status;
+            @autoreleasepool {
+                NSMutableArray<NSNumber*>* excluded =
+                    [NSMutableArray arrayWithCapacity:description.excludedProcesses.size()];
+                for (const AudioObjectID process : description.excludedProcesses)
+                    [excluded addObject:@(process)];
+                CATapDescription* tap =
+                    description.stereoMixdown
+                        ? [[CATapDescription alloc] initStereoGlobalTapButExcludeProcesses:excluded]
+                        : [[CATapDescription alloc] initMonoGlobalTapButExcludeProcesses:excluded];
+                tap.name = nsString(description.name);
+                tap.privateTap = description.isPrivate;
+                tap.muteBehavior = static_cast<CATapMuteBehavior>(description.muteBehavior);
+                ::AudioObjectID tapID = ::kAudioObjectUnknown;
+                const OSStatus status = AudioHardwareCreateProcessTap(tap, &tapID);
+                outTap = tapID;
+                return status;
+            }
         }
         return kAudioHardwareUnsupportedOperationError;
     }
@@ -110,13 +115,16 @@ class MacProcessTapHost final : public ProcessTapHost {
 
     OSStatus createAggregateDevice(const DescriptionDictionary& description,
                                    AudioObjectID& outDevice) override {
-        PropertyListBuilder builder;
-        NSDictionary* composition = translateDescription(DescriptionValue{description}, builder);
-        ::AudioObjectID device = ::kAudioObjectUnknown;
-        const OSStatus status =
-            AudioHardwareCreateAggregateDevice((__bridge CFDictionaryRef)composition, &device);
-        outDevice = device;
-        return status;
+        @autoreleasepool {
+            PropertyListBuilder builder;
+            NSDictionary* composition =
+                translateDescription(DescriptionValue{description}, builder);
+            ::AudioObjectID device = ::kAudioObjectUnknown;
+            const OSStatus status =
+                AudioHardwareCreateAggregateDevice((__bridge CFDictionaryRef)composition, &device);
+            outDevice = device;
+            return status;
+        }
     }
 
     OSStatus destroyAggregateDevice(AudioObjectID device) override {

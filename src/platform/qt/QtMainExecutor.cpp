@@ -21,14 +21,18 @@
 namespace corvanel {
 namespace {
 
-// The log scan yields to everything the user sees and hears.
-void lowerThisThreadsPriority() {
+void setThisThreadsPriority(BackgroundPriority priority) {
 #if defined(__APPLE__)
-    pthread_set_qos_class_self_np(QOS_CLASS_UTILITY, 0);
+    pthread_set_qos_class_self_np(
+        priority == BackgroundPriority::utility ? QOS_CLASS_UTILITY : QOS_CLASS_USER_INITIATED, 0);
 #elif defined(__linux__)
-    // On Linux a thread's nice value is its own; ten steps below the process, at most 19.
+    // On Linux a thread's nice value is its own, and threads it starts inherit it: utility work
+    // goes ten steps below the process, at most 19; other work keeps the main thread's.
+    if (priority != BackgroundPriority::utility) return;
     const auto thread = static_cast<id_t>(gettid());
     setpriority(PRIO_PROCESS, thread, std::min(getpriority(PRIO_PROCESS, thread) + 10, 19));
+#else
+    (void)priority;
 #endif
 }
 
@@ -116,7 +120,7 @@ void QtMainExecutor::postAfter(std::chrono::nanoseconds delay, Work work) {
     if (const auto number = inbox_->keep(work)) inbox_->deliverAfter(inbox_, milliseconds, *number);
 }
 
-void QtMainExecutor::runInBackground(Work work, Work done) {
+void QtMainExecutor::runInBackground(Work work, Work done, BackgroundPriority priority) {
     const auto number = inbox_->keep(done);
     if (!number) return;
     const auto job = [inbox = inbox_, work = std::move(work), number = *number] {
@@ -125,8 +129,8 @@ void QtMainExecutor::runInBackground(Work work, Work done) {
     };
     try {
         // Detached: quitting does not wait for a scan that is still reading.
-        std::thread([job] {
-            lowerThisThreadsPriority();
+        std::thread([job, priority] {
+            setThisThreadsPriority(priority);
             job();
         }).detach();
     } catch (const std::system_error&) {

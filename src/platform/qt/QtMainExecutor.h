@@ -1,6 +1,6 @@
 #pragma once
-// The MainExecutor of a running application: the Qt event loop of the GUI thread, low-priority
-// background threads for blocking work, and the real clocks.
+// The MainExecutor of a running application: the Qt event loop of the GUI thread, background
+// threads for blocking work, and the real clocks.
 //
 // Work waits in the executor's own inbox; Qt's queue and timers carry only its number. Shutting
 // down drops the inbox on the main thread while the application object still exists, and later
@@ -25,7 +25,7 @@ class QtMainExecutor final : public MainExecutor {
 
     void post(Work work) override;
     void postAfter(std::chrono::nanoseconds delay, Work work) override;
-    void runInBackground(Work work, Work done) override;
+    void runInBackground(Work work, Work done, BackgroundPriority priority) override;
     void shutDown() override;
     MonoTime monotonicNow() const override;
     WallTime wallNow() const override;

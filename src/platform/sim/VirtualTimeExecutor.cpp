@@ -34,7 +34,7 @@ void VirtualTimeExecutor::postAfter(std::chrono::nanoseconds delay, Work work) {
     }
 }
 
-void VirtualTimeExecutor::runInBackground(Work work, Work done) {
+void VirtualTimeExecutor::runInBackground(Work work, Work done, BackgroundPriority) {
     std::chrono::nanoseconds duration;
     {
         std::lock_guard lock(mutex_);

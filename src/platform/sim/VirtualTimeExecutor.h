@@ -17,7 +17,8 @@ class VirtualTimeExecutor final : public MainExecutor {
 
     void post(Work work) override;
     void postAfter(std::chrono::nanoseconds delay, Work work) override;
-    void runInBackground(Work work, Work done) override;
+    // Whatever the priority.
+    void runInBackground(Work work, Work done, BackgroundPriority priority) override;
     void shutDown() override;
     MonoTime monotonicNow() const override;
     WallTime wallNow() const override;
