@@ -30,9 +30,9 @@
 namespace corvanel {
 namespace {
 
-StatusItemChoice makeDesktopStatusItem() {
+StatusItemChoice makeDesktopStatusItem(const std::shared_ptr<DesktopPalette>& desktop) {
     if (QSystemTrayIcon::isSystemTrayAvailable())
-        return {std::make_unique<TrayStatusItem>(), Seconds{1.0 / trayLabelsPerSecond}};
+        return {std::make_unique<TrayStatusItem>(desktop), Seconds{1.0 / trayLabelsPerSecond}};
     // Without a tray (no StatusNotifierItem host, the offscreen platform) a small window of
     // our own carries the label, so the application is never invisible.
     return {std::make_unique<WindowStatusItem>(), Seconds{0}};
@@ -100,7 +100,8 @@ bool hasNativePlatform() {
 }
 
 std::variant<Composition, std::string> composePlatform(const AppOptions& options,
-                                                       LocalWorkspace::Actions workspaceActions) {
+                                                       LocalWorkspace::Actions workspaceActions,
+                                                       std::shared_ptr<DesktopPalette> desktop) {
     auto taps = demoTaps(options);
     if (auto* message = std::get_if<std::string>(&taps)) return *message;
 
@@ -117,7 +118,7 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
                                                        std::move(workspaceActions));
     ports.timeOfDay = systemTimeOfDay;
     composition.windowChrome = desktopWindowChrome();
-    composition.makeStatusItem = makeDesktopStatusItem;
+    composition.makeStatusItem = [desktop] { return makeDesktopStatusItem(desktop); };
     composition.privacyNote = privacyNoteFor(options);
 #if defined(__APPLE__)
     // macOS: the native status item and window chrome wherever AppKit shows the windows (not on

@@ -17,10 +17,9 @@ inline constexpr int trayIconPoints = 22;
 struct TrayIconColours {
     QColor ink;
     QColor halo;
-};
 
-// The desktop palette's text colour and, for the halo, its window colour.
-TrayIconColours desktopTrayColours();
+    bool operator==(const TrayIconColours&) const = default;
+};
 
 // The rate's digits of a menu-bar title ("44.1 kHz · 24-bit" gives "44.1"); the title itself
 // when it names no rate ("–" without a device).
@@ -29,5 +28,9 @@ QString trayRateText(const QString& title);
 // The icon, `trayIconPoints` square at `pixelRatio` pixels per point.
 QImage trayIconImage(const QString& title, const std::optional<std::vector<float>>& levels,
                      const TrayIconColours& colours, qreal pixelRatio);
+
+// An icon drawn at a higher pixel ratio at one pixel per point, averaged down from the sharper
+// drawing.
+QImage trayIconAtOnePixelPerPoint(const QImage& icon);
 
 }  // namespace corvanel
