@@ -16,6 +16,7 @@
 #include "platform/sim/SimLoginItems.h"
 #include "platform/sim/SimProcessTapHost.h"
 #if defined(__linux__)
+#include "app/linux/StatusNotifierItem.h"
 #include "platform/linux/PulseCaptureHost.h"
 #include "platform/qt/XdgAutostart.h"
 #endif
@@ -30,12 +31,23 @@
 namespace corvanel {
 namespace {
 
+StatusItemChoice makeWindowStatusItem() {
+    return {std::make_unique<WindowStatusItem>(), Seconds{0}};
+}
+
 StatusItemChoice makeDesktopStatusItem(const std::shared_ptr<DesktopPalette>& desktop) {
+    constexpr Seconds trayInterval{1.0 / trayLabelsPerSecond};
+#if defined(__linux__)
+    // Our own item where a host shows StatusNotifierItems: it can carry the title as text.
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (StatusNotifierItem::hostAvailable(bus))
+        return {std::make_unique<StatusNotifierItem>(bus, desktop), trayInterval};
+#endif
     if (QSystemTrayIcon::isSystemTrayAvailable())
-        return {std::make_unique<TrayStatusItem>(desktop), Seconds{1.0 / trayLabelsPerSecond}};
+        return {std::make_unique<TrayStatusItem>(desktop), trayInterval};
     // Without a tray (no StatusNotifierItem host, the offscreen platform) a small window of
     // our own carries the label, so the application is never invisible.
-    return {std::make_unique<WindowStatusItem>(), Seconds{0}};
+    return makeWindowStatusItem();
 }
 WindowChromeFactory desktopWindowChrome() {
     return FramelessWindowChrome::factory();
@@ -118,7 +130,11 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
                                                        std::move(workspaceActions));
     ports.timeOfDay = systemTimeOfDay;
     composition.windowChrome = desktopWindowChrome();
-    composition.makeStatusItem = [desktop] { return makeDesktopStatusItem(desktop); };
+    // A headless run is a diagnostic: it puts nothing in the user's tray.
+    if (options.headless)
+        composition.makeStatusItem = makeWindowStatusItem;
+    else
+        composition.makeStatusItem = [desktop] { return makeDesktopStatusItem(desktop); };
     composition.privacyNote = privacyNoteFor(options);
 #if defined(__APPLE__)
     // macOS: the native status item and window chrome wherever AppKit shows the windows (not on

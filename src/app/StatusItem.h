@@ -1,6 +1,7 @@
 #pragma once
 // The menu-bar (tray) item as the shell sees it, so each platform can give it a native body:
-// QSystemTrayIcon (or a small window of our own) on Linux, an NSStatusItem on macOS.
+// a StatusNotifierItem of our own, QSystemTrayIcon or a small window of our own on Linux, an
+// NSStatusItem on macOS.
 #include <QImage>
 #include <QRect>
 #include <QString>

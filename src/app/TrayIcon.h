@@ -2,8 +2,9 @@
 // The status item as a tray draws it: a square slot about 22 points wide, far too small for the
 // whole label. It shows what a user wants at a glance, the device rate in digits ("96", "44.1")
 // fitted to the square, over a few tiny live bars while the live image is on; the full title
-// goes to the tooltip. The digits take the desktop's foreground colour with a thin halo of its
-// background colour, so they read on light and dark panels alike.
+// goes to the tooltip, and beside the icon where the tray shows text labels. The digits take the
+// desktop's foreground colour with a thin halo of its background colour, so they read on light and
+// dark panels alike.
 #include <QColor>
 #include <QImage>
 #include <QString>
