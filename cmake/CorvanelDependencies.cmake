@@ -10,6 +10,10 @@ endif()
 
 if(CORVANEL_BUILD_GUI)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network)
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        # The tray item of our own is a StatusNotifierItem on the session bus.
+        find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+    endif()
     if(CORVANEL_BUILD_TESTS)
         find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
     endif()

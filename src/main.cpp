@@ -3,12 +3,14 @@
 #include <QApplication>
 #include <QStyleFactory>
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 #include "CorvanelIdentity.h"
 
 #include "app/AppOptions.h"
 #include "app/AppStyle.h"
+#include "app/DesktopPalette.h"
 #include "app/HeadlessRun.h"
 #include "app/MyApp.h"
 #include "app/PlatformComposition.h"
@@ -48,16 +50,20 @@ int main(int argc, char* argv[]) {
     // A menu-bar utility: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QApplication::setPalette(corvanel::style::darkPalette());
+    // The shell's windows are dark; the tray icon keeps to the desktop's own colours.
+    auto desktopPalette =
+        std::make_shared<corvanel::DesktopPalette>(corvanel::style::darkPalette());
     if (!corvanel::hasNativePlatform()) options.demo = true;
 
-    auto composed = corvanel::composePlatform(
-        options, {.quit = [] { QCoreApplication::quit(); },
-                  .activate =
-                      [] {
-                          for (QWidget* window : QApplication::topLevelWidgets())
-                              if (window->isVisible()) window->activateWindow();
-                      }});
+    auto composed =
+        corvanel::composePlatform(options,
+                                  {.quit = [] { QCoreApplication::quit(); },
+                                   .activate =
+                                       [] {
+                                           for (QWidget* window : QApplication::topLevelWidgets())
+                                               if (window->isVisible()) window->activateWindow();
+                                       }},
+                                  desktopPalette);
     if (auto* message = std::get_if<std::string>(&composed)) {
         std::fprintf(stderr, "%s\n", message->c_str());
         return 1;

@@ -8,7 +8,6 @@
 #include "app/MenuBarLabel.h"
 #include "app/PanelView.h"
 #include "app/PopupWindow.h"
-#include "app/TrayStatusItem.h"
 #include "demo/DemoPlayer.h"
 #include "switching/SwitcherEngine.h"
 
@@ -51,8 +50,6 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     statusItem_->onQuitRequested = environment_.quit;
     label_ = std::make_unique<MenuBarLabel>(environment_.engine, *statusItem_, ports.executor,
                                             labelInterval_);
-    if (auto* tray = dynamic_cast<TrayStatusItem*>(statusItem_.get()))
-        label_->onDelivered = [tray](const QString& title) { tray->setToolTip(title); };
 }
 
 MyApp::~MyApp() {

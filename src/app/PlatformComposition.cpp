@@ -16,6 +16,7 @@
 #include "platform/sim/SimLoginItems.h"
 #include "platform/sim/SimProcessTapHost.h"
 #if defined(__linux__)
+#include "app/linux/StatusNotifierItem.h"
 #include "platform/linux/PulseCaptureHost.h"
 #include "platform/qt/DesktopEntries.h"
 #include "platform/qt/XdgAutostart.h"
@@ -31,12 +32,23 @@
 namespace corvanel {
 namespace {
 
-StatusItemChoice makeDesktopStatusItem() {
+StatusItemChoice makeWindowStatusItem() {
+    return {std::make_unique<WindowStatusItem>(), Seconds{0}};
+}
+
+StatusItemChoice makeDesktopStatusItem(const std::shared_ptr<DesktopPalette>& desktop) {
+    constexpr Seconds trayInterval{1.0 / trayLabelsPerSecond};
+#if defined(__linux__)
+    // Our own item where a host shows StatusNotifierItems: it can carry the title as text.
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (StatusNotifierItem::hostAvailable(bus))
+        return {std::make_unique<StatusNotifierItem>(bus, desktop), trayInterval};
+#endif
     if (QSystemTrayIcon::isSystemTrayAvailable())
-        return {std::make_unique<TrayStatusItem>(), Seconds{1.0 / trayLabelsPerSecond}};
+        return {std::make_unique<TrayStatusItem>(desktop), trayInterval};
     // Without a tray (no StatusNotifierItem host, the offscreen platform) a small window of
     // our own carries the label, so the application is never invisible.
-    return {std::make_unique<WindowStatusItem>(), Seconds{0}};
+    return makeWindowStatusItem();
 }
 WindowChromeFactory desktopWindowChrome() {
     return FramelessWindowChrome::factory();
@@ -101,7 +113,8 @@ bool hasNativePlatform() {
 }
 
 std::variant<Composition, std::string> composePlatform(const AppOptions& options,
-                                                       LocalWorkspace::Actions workspaceActions) {
+                                                       LocalWorkspace::Actions workspaceActions,
+                                                       std::shared_ptr<DesktopPalette> desktop) {
     auto taps = demoTaps(options);
     if (auto* message = std::get_if<std::string>(&taps)) return *message;
 
@@ -118,7 +131,11 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
                                                        std::move(workspaceActions));
     ports.timeOfDay = systemTimeOfDay;
     composition.windowChrome = desktopWindowChrome();
-    composition.makeStatusItem = makeDesktopStatusItem;
+    // A headless run is a diagnostic: it puts nothing in the user's tray.
+    if (options.headless)
+        composition.makeStatusItem = makeWindowStatusItem;
+    else
+        composition.makeStatusItem = [desktop] { return makeDesktopStatusItem(desktop); };
     composition.privacyNote = privacyNoteFor(options);
 #if defined(__linux__)
     composition.soundSettings = {QStringLiteral("Sound Settings"),

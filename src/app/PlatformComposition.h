@@ -18,6 +18,7 @@
 namespace corvanel {
 
 class DemoPlayer;
+class DesktopPalette;
 
 // The status item and how often its label may change: a tray in another process cannot take
 // the analyzer's 30 images a second, a window of our own can.
@@ -51,8 +52,10 @@ inline constexpr double demoTrackSeconds = 14;
 inline constexpr double trayLabelsPerSecond = 10;
 
 // The composition, or the message that says why it cannot be built (an unreadable audio file).
+// A tray icon takes its colours from `desktop`.
 std::variant<Composition, std::string> composePlatform(const AppOptions& options,
-                                                       LocalWorkspace::Actions workspaceActions);
+                                                       LocalWorkspace::Actions workspaceActions,
+                                                       std::shared_ptr<DesktopPalette> desktop);
 
 // Brings the user's login item up to date with this program when the application starts: on
 // Linux an autostart entry left by a moved or another copy is rewritten to start this one. The

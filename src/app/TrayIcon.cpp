@@ -1,9 +1,7 @@
 #include "app/TrayIcon.h"
 
-#include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPalette>
 #include <algorithm>
 #include <cmath>
 
@@ -56,11 +54,6 @@ QPainterPath digitsFitted(const QString& text, const QRectF& area) {
 
 }  // namespace
 
-TrayIconColours desktopTrayColours() {
-    const QPalette palette = QGuiApplication::palette();
-    return {palette.color(QPalette::WindowText), palette.color(QPalette::Window)};
-}
-
 QString trayRateText(const QString& title) {
     const qsizetype unit = title.indexOf(QStringLiteral(" kHz"));
     return unit > 0 ? title.left(unit) : title;
@@ -96,6 +89,13 @@ QImage trayIconImage(const QString& title, const std::optional<std::vector<float
     painter.end();
     image.setDevicePixelRatio(pixelRatio);
     return image;
+}
+
+QImage trayIconAtOnePixelPerPoint(const QImage& icon) {
+    QImage single = icon.scaled(icon.size() / icon.devicePixelRatio(), Qt::IgnoreAspectRatio,
+                                Qt::SmoothTransformation);
+    single.setDevicePixelRatio(1.0);
+    return single;
 }
 
 }  // namespace corvanel

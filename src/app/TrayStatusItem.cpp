@@ -14,7 +14,8 @@ QImage tintedTemplate(const QImage& templateImage, const QColor& color) {
     return tinted;
 }
 
-TrayStatusItem::TrayStatusItem() {
+TrayStatusItem::TrayStatusItem(std::shared_ptr<DesktopPalette> desktop)
+    : TrayIconItem(std::move(desktop)) {
     QObject::connect(
         &tray_, &QSystemTrayIcon::activated, [this](QSystemTrayIcon::ActivationReason reason) {
             if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context) {
@@ -23,20 +24,15 @@ TrayStatusItem::TrayStatusItem() {
         });
 }
 
-QImage TrayStatusItem::labelImage(const QString& title,
-                                  const std::optional<std::vector<float>>& levels) const {
-    return trayIconImage(title, levels, desktopTrayColours(), 2.0);
-}
-
 void TrayStatusItem::setLabelImage(const QImage& image) {
     QIcon icon;
     icon.addPixmap(QPixmap::fromImage(image));
-    // The one-pixel-per-point size, averaged down from the sharper drawing.
-    QImage single = image.scaled(image.size() / image.devicePixelRatio(), Qt::IgnoreAspectRatio,
-                                 Qt::SmoothTransformation);
-    single.setDevicePixelRatio(1.0);
-    icon.addPixmap(QPixmap::fromImage(single));
+    icon.addPixmap(QPixmap::fromImage(trayIconAtOnePixelPerPoint(image)));
     tray_.setIcon(icon);
+}
+
+void TrayStatusItem::setTitle(const QString& title) {
+    tray_.setToolTip(title);
 }
 
 void TrayStatusItem::setInserted(bool inserted) {
@@ -45,10 +41,6 @@ void TrayStatusItem::setInserted(bool inserted) {
 
 QRect TrayStatusItem::geometry() const {
     return tray_.geometry();
-}
-
-void TrayStatusItem::setToolTip(const QString& text) {
-    tray_.setToolTip(text);
 }
 
 }  // namespace corvanel

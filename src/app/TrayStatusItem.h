@@ -1,25 +1,25 @@
 #pragma once
-// The status item as a system-tray icon (a StatusNotifierItem on current Linux desktops): the
-// square icon of TrayIcon.h, the full title in the tooltip.
+// The status item as a system-tray icon (QSystemTrayIcon: a StatusNotifierItem or an XEmbed
+// tray icon): the square icon of TrayIcon.h in the desktop's colours, the full title in the
+// tooltip.
 #include <QSystemTrayIcon>
+#include <memory>
 
-#include "app/StatusItem.h"
+#include "app/TrayIconItem.h"
 
 namespace corvanel {
 
-class TrayStatusItem final : public StatusItem {
+class TrayStatusItem final : public TrayIconItem {
   public:
-    TrayStatusItem();
+    explicit TrayStatusItem(std::shared_ptr<DesktopPalette> desktop);
 
-    // The square icon in the desktop palette's colours, at two pixels per point.
-    QImage labelImage(const QString& title,
-                      const std::optional<std::vector<float>>& levels) const override;
     void setLabelImage(const QImage& image) override;
+    void setTitle(const QString& title) override;
     void setInserted(bool inserted) override;
     QRect geometry() const override;
 
-    void setToolTip(const QString& text);
     QIcon icon() const { return tray_.icon(); }
+    QString toolTip() const { return tray_.toolTip(); }
 
   private:
     QSystemTrayIcon tray_;

@@ -27,6 +27,8 @@ struct AppLaunch {
     RecordingStatusItem* item = nullptr;
     // The status item the application gets, when not the recording one.
     std::function<std::unique_ptr<StatusItem>()> makeItem;
+    // How often the label may change on the item.
+    Seconds labelInterval{0};
     int quits = 0;
 
     MyApp& launch() {
@@ -36,10 +38,10 @@ struct AppLaunch {
         composition.windowChrome = FramelessWindowChrome::factory();
         composition.quit = [this] { ++quits; };
         composition.makeStatusItem = [this] {
-            if (makeItem) return StatusItemChoice{makeItem(), Seconds{0}};
+            if (makeItem) return StatusItemChoice{makeItem(), labelInterval};
             auto made = std::make_unique<RecordingStatusItem>();
             item = made.get();
-            return StatusItemChoice{std::move(made), Seconds{0}};
+            return StatusItemChoice{std::move(made), labelInterval};
         };
         app = std::make_unique<MyApp>(std::move(composition));
         app->start();

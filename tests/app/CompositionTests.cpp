@@ -6,6 +6,8 @@
 #include <QTest>
 
 #include "GuiApplication.h"
+#include "app/AppStyle.h"
+#include "app/DesktopPalette.h"
 #include "app/PlatformComposition.h"
 #include "app/TrayStatusItem.h"
 #include "app/WindowStatusItem.h"
@@ -16,7 +18,15 @@ namespace {
 
 class CompositionTest : public ::testing::Test {
   protected:
-    CompositionTest() { testing::guiApplication(); }
+    CompositionTest() : saved(QGuiApplication::palette()) { testing::guiApplication(); }
+    ~CompositionTest() override {
+        desktop.reset();
+        QGuiApplication::setPalette(saved);
+    }
+
+    std::variant<Composition, std::string> compose(const AppOptions& options) {
+        return composePlatform(options, {}, desktop);
+    }
 
     AppOptions options() const {
         AppOptions options;
@@ -26,10 +36,13 @@ class CompositionTest : public ::testing::Test {
     }
 
     QTemporaryDir directory;
+    QPalette saved;
+    std::shared_ptr<DesktopPalette> desktop =
+        std::make_shared<DesktopPalette>(style::darkPalette());
 };
 
 TEST_F(CompositionTest, TheDemoPlatformHasEveryPortAndNoTrayMeansALabelWindow) {
-    auto composed = composePlatform(options(), {});
+    auto composed = compose(options());
     ASSERT_TRUE(std::holds_alternative<Composition>(composed));
     Composition& composition = std::get<Composition>(composed);
     const PlatformPorts& ports = composition.ports;
@@ -46,8 +59,8 @@ TEST_F(CompositionTest, TheDemoPlatformHasEveryPortAndNoTrayMeansALabelWindow) {
 TEST_F(CompositionTest, ThePrivacyNoteSaysWhatThisRunListensTo) {
     AppOptions captured = options();
     captured.audio = AudioSourceChoice::pulse;
-    const auto demo = composePlatform(options(), {});
-    const auto capture = composePlatform(captured, {});
+    const auto demo = compose(options());
+    const auto capture = compose(captured);
     ASSERT_TRUE(std::holds_alternative<Composition>(demo));
     ASSERT_TRUE(std::holds_alternative<Composition>(capture));
     const QString demoNote = std::get<Composition>(demo).privacyNote;
@@ -72,7 +85,7 @@ TEST_F(CompositionTest, AnUnreadableAudioFileIsReportedByName) {
     AppOptions withFile = options();
     withFile.audio = AudioSourceChoice::file;
     withFile.audioFile = directory.filePath("missing.wav");
-    const auto composed = composePlatform(withFile, {});
+    const auto composed = compose(withFile);
     ASSERT_TRUE(std::holds_alternative<std::string>(composed));
     EXPECT_NE(std::get<std::string>(composed).find("missing.wav"), std::string::npos);
 }

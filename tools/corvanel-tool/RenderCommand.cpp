@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
+#include <QPainter>
 #include <QString>
 #include <cstdio>
 #include <cstdlib>
@@ -21,6 +22,7 @@
 #include "app/CandlelightView.h"
 #include "app/MeterSnapshot.h"
 #include "app/PanelMeterStyle.h"
+#include "app/TrayIcon.h"
 #include "meters/styles/SpectrumBarsView.h"
 
 namespace corvanel::tool {
@@ -84,6 +86,40 @@ QSizeF galleryArea(PanelMeterStyle style) {
 // The largest picture of the gallery, the visualizer's window.
 const QSizeF galleryLargestArea(960, 600);
 
+// The tray icon in a light and in a dark theme's colours, each at one and at two pixels per
+// point: above on its own theme's panel, below on the other one (a dark top bar under a light
+// theme), where the halo of the theme's window colour carries the digits.
+QImage trayIconOnPanels(const std::vector<float>& levels) {
+    struct Desktop {
+        QColor panel;
+        TrayIconColours colours;
+    };
+    const Desktop desktops[] = {
+        {QColor(0xf4, 0xf4, 0xf4), {QColor(0x20, 0x20, 0x24), QColor(0xf6, 0xf5, 0xf4)}},
+        {QColor(0x1e, 0x1e, 0x22), {QColor(0xee, 0xee, 0xee), QColor(0x2a, 0x2a, 0x2e)}}};
+    constexpr int padding = 12;
+    constexpr int side = trayIconPoints * 2;
+    const QSize panelSize(padding * 3 + trayIconPoints + side, padding * 2 + side);
+    QImage picture(panelSize * 2, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&picture);
+    for (int theme = 0; theme < 2; ++theme) {
+        QImage sharp = trayIconImage(QString::fromUtf8("96 kHz \u00b7 24-bit"), levels,
+                                     desktops[theme].colours, 2.0);
+        const QImage single = trayIconAtOnePixelPerPoint(sharp);
+        sharp.setDevicePixelRatio(1.0);
+        for (int row = 0; row < 2; ++row) {
+            const QPoint origin(theme * panelSize.width(), row * panelSize.height());
+            painter.fillRect(QRect(origin, panelSize),
+                             desktops[row == 0 ? theme : 1 - theme].panel);
+            painter.drawImage(origin + QPoint(padding, padding + (side - trayIconPoints) / 2),
+                              single);
+            painter.drawImage(origin + QPoint(padding * 2 + trayIconPoints, padding), sharp);
+        }
+    }
+    painter.end();
+    return picture;
+}
+
 int renderGallery(const std::string& directory, double scale) {
     if (const auto problem = imageSizeProblem(galleryLargestArea.width() * scale,
                                               galleryLargestArea.height() * scale)) {
@@ -104,6 +140,7 @@ int renderGallery(const std::string& directory, double scale) {
     failures +=
         save(meters::SpectrumBarsView::menuBarImage(QStringLiteral("44.1 kHz"), values.levels),
              directory + "/label.png");
+    failures += save(trayIconOnPanels(values.levels), directory + "/tray.png");
     // The visualizer at its window's size, at a fixed moment so the picture is reproducible.
     failures += save(
         renderCandlelightSnapshot(values.levels, galleryVisualizerTime, galleryLargestArea, scale),
