@@ -6,10 +6,15 @@ find_package(Threads REQUIRED)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
+    pkg_check_modules(PIPEWIRE REQUIRED IMPORTED_TARGET libpipewire-0.3)
 endif()
 
 if(CORVANEL_BUILD_GUI)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network)
+    # The music player on Linux is followed over MPRIS, on the session bus.
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
+    endif()
     if(CORVANEL_BUILD_TESTS)
         find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
     endif()
