@@ -13,8 +13,11 @@
 //
 // The journal's last start-up line is "event ready <bus name>". Tests command it over the bus:
 // MPRIS's own methods, and org.corvanel.TestPlayer at /org/mpris/MediaPlayer2 (see
-// PlayerAdaptors.h). SIGTERM ends it.
+// PlayerAdaptors.h). SIGTERM ends it, and so does the end of the process that started it.
+#include <sys/prctl.h>
 #include <unistd.h>
+
+#include <csignal>
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -73,6 +76,8 @@ int main(int argc, char** argv) {
             stderr);
         return 2;
     }
+    // A test that dies does not leave its players behind.
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     QCoreApplication application(argc, argv);
     CallJournal journal(options.journal);
     QDBusConnection bus = QDBusConnection::sessionBus();

@@ -3,6 +3,7 @@
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
+#include <algorithm>
 #include <utility>
 
 #include "platform/linux/mpris/MprisValues.h"
@@ -110,10 +111,11 @@ bool MprisPlayers::rewind() {
                  QVariant::fromValue(qlonglong{0})});
     } else {
         const auto position = player->positionSeconds(executor_->monotonicNow());
-        const std::int64_t back = position
-                                      ? static_cast<std::int64_t>(std::max(*position, 0.0) * 1e6) +
-                                            rewindMarginMicroseconds
-                                      : unknownPositionRewindMicroseconds;
+        // A position past a day is no track's: the day's rewind covers it too.
+        const std::int64_t back =
+            position ? static_cast<std::int64_t>(std::clamp(*position, 0.0, 86400.0) * 1e6) +
+                           rewindMarginMicroseconds
+                     : unknownPositionRewindMicroseconds;
         command(QStringLiteral("Seek"), {QVariant::fromValue(qlonglong{-back})});
     }
     // Sent after the command on the same connection, so the player answers it after rewinding.

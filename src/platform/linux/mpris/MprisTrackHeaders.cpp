@@ -11,9 +11,9 @@ namespace corvanel {
 
 std::shared_ptr<MprisTrackHeaders> MprisTrackHeaders::create(
     std::shared_ptr<MainExecutor> executor, MprisPlayers& players,
-    std::shared_ptr<TrackHeaderJournal> journal, Reader reader) {
+    std::shared_ptr<TrackHeaderJournal> journal) {
     auto headers = std::make_shared<MprisTrackHeaders>(ConstructionKey{}, std::move(executor),
-                                                       std::move(journal), std::move(reader));
+                                                       std::move(journal));
     MprisTrackHeaders* self = headers.get();
     headers->trackChanged_ =
         players.trackChanged.connect([self](const std::string& url) { self->whenRead(url, {}); });
@@ -31,8 +31,8 @@ std::shared_ptr<MprisTrackHeaders> MprisTrackHeaders::create(
 }
 
 MprisTrackHeaders::MprisTrackHeaders(ConstructionKey, std::shared_ptr<MainExecutor> executor,
-                                     std::shared_ptr<TrackHeaderJournal> journal, Reader reader)
-    : executor_(std::move(executor)), journal_(std::move(journal)), reader_(std::move(reader)) {}
+                                     std::shared_ptr<TrackHeaderJournal> journal)
+    : executor_(std::move(executor)), journal_(std::move(journal)) {}
 
 MprisTrackHeaders::Lookup MprisTrackHeaders::lookup(const std::string& url) {
     if (!localPathOfUrl(url)) return NoFile{};
@@ -70,7 +70,7 @@ void MprisTrackHeaders::whenRead(const std::string& url, Waiter waiter) {
     // The read touches nothing here: it hands its result over on the main thread, if this is
     // still there to take it.
     auto result = std::make_shared<std::optional<TrackFileFormat>>();
-    executor_->runInBackground([result, reader = reader_, path = *path] { *result = reader(path); },
+    executor_->runInBackground([result, path = *path] { *result = readTrackFileHeader(path); },
                                [weak = weak_from_this(), url, result] {
                                    if (const auto self = weak.lock())
                                        self->finishRead(url, std::move(*result));

@@ -21,7 +21,6 @@ namespace corvanel {
 
 class MprisTrackHeaders : public std::enable_shared_from_this<MprisTrackHeaders> {
   public:
-    using Reader = std::function<std::optional<TrackFileFormat>(const std::string& path)>;
     // The headers kept; the oldest unused one goes first.
     static constexpr std::size_t capacity = 64;
 
@@ -31,8 +30,7 @@ class MprisTrackHeaders : public std::enable_shared_from_this<MprisTrackHeaders>
 
     static std::shared_ptr<MprisTrackHeaders> create(std::shared_ptr<MainExecutor> executor,
                                                      MprisPlayers& players,
-                                                     std::shared_ptr<TrackHeaderJournal> journal,
-                                                     Reader reader = readTrackFileHeader);
+                                                     std::shared_ptr<TrackHeaderJournal> journal);
 
     // What is known of the file behind `url`; starts reading it when nothing is. Main thread.
     Lookup lookup(const std::string& url);
@@ -43,7 +41,7 @@ class MprisTrackHeaders : public std::enable_shared_from_this<MprisTrackHeaders>
         ConstructionKey() = default;
     };
     MprisTrackHeaders(ConstructionKey, std::shared_ptr<MainExecutor> executor,
-                      std::shared_ptr<TrackHeaderJournal> journal, Reader reader);
+                      std::shared_ptr<TrackHeaderJournal> journal);
 
   private:
     using Waiter = std::function<void(const std::optional<TrackFileFormat>&)>;
@@ -62,7 +60,6 @@ class MprisTrackHeaders : public std::enable_shared_from_this<MprisTrackHeaders>
 
     std::shared_ptr<MainExecutor> executor_;
     std::shared_ptr<TrackHeaderJournal> journal_;
-    Reader reader_;
     std::map<std::string, Entry> entries_;
     std::uint64_t uses_ = 0;
     Connection trackChanged_;
