@@ -6,12 +6,14 @@ find_package(Threads REQUIRED)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     pkg_check_modules(PULSE REQUIRED IMPORTED_TARGET libpulse)
+    pkg_check_modules(PIPEWIRE REQUIRED IMPORTED_TARGET libpipewire-0.3)
 endif()
 
 if(CORVANEL_BUILD_GUI)
     find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network)
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-        # The tray item of our own is a StatusNotifierItem on the session bus.
+        # The tray item of our own is a StatusNotifierItem on the session bus, and the music
+        # player is followed over MPRIS there too.
         find_package(Qt6 6.4 REQUIRED COMPONENTS DBus)
     endif()
     if(CORVANEL_BUILD_TESTS)

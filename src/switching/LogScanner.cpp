@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "platform/TrackHeaderMessage.h"
 #include "switching/NumberText.h"
 #include "switching/UnicodeNumeric.h"
 
@@ -98,12 +99,28 @@ std::optional<RateDetection> audioQueue(std::string_view m, WallTime date) {
     return detection(*rate, std::nullopt, "AudioQueue", m, date);
 }
 
+// The track header journal's entry: "Track file header: rate = 96000 Hz, depth = 24 bit".
+// Players outside macOS write no decoder messages, so the Linux adapter reads the track's file
+// header instead and journals what it states in this shape of its own, tried after the Music
+// app's three.
+std::optional<RateDetection> trackFileHeader(std::string_view m, WallTime date) {
+    if (!contains(m, TrackHeaderMessage::subject)) return std::nullopt;
+    const auto rateText = between(m, TrackHeaderMessage::rateOpen, TrackHeaderMessage::rateClose);
+    if (!rateText) return std::nullopt;
+    const auto rate = normalisedRate(trimSpacesAndTabs(*rateText));
+    if (!rate) return std::nullopt;
+    return detection(*rate,
+                     depthBetween(m, TrackHeaderMessage::depthOpen, TrackHeaderMessage::depthClose),
+                     "File header", m, date);
+}
+
 }  // namespace
 
 std::optional<RateDetection> parse(std::string_view message, WallTime date) {
     if (auto found = audioCapabilities(message, date)) return found;
     if (auto found = losslessDecoder(message, date)) return found;
-    return audioQueue(message, date);
+    if (auto found = audioQueue(message, date)) return found;
+    return trackFileHeader(message, date);
 }
 
 ScanOutcome scanRecentLogs(SystemLog& log, double secondsBack) {

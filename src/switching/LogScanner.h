@@ -13,8 +13,8 @@ namespace corvanel::LogScanner {
 // The process whose messages are read.
 inline constexpr const char* musicProcess = "Music";
 
-// What one message says: a detection from the first of the three recognised shapes that yields
-// a plausible rate, or nothing.
+// What one message says: a detection from the first recognised shape that yields a plausible
+// rate (the Music app's three decoder messages, then a track header journal's entry), or nothing.
 std::optional<RateDetection> parse(std::string_view message, WallTime date);
 
 // The newest usable Music message of the last `secondsBack` seconds (among equal time stamps the

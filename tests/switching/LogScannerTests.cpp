@@ -1,6 +1,8 @@
-// The three log recognisers with their marker and number rules, and the newest-wins scan.
+// The log recognisers (the Music app's three and the track header journal's) with their marker
+// and number rules, and the newest-wins scan.
 #include <gtest/gtest.h>
 
+#include "platform/TrackHeaderMessage.h"
 #include "platform/sim/SimSystemLog.h"
 #include "switching/LogScanner.h"
 
@@ -143,6 +145,48 @@ TEST(AudioQueueRecogniser, AnyNumericCharacterBelongsToTheNumber) {
             parse(std::string("Creating AudioQueue sampleRate:44") + overlong + " ch")->sampleRate,
             44000)
             << overlong;
+}
+
+TEST(TrackFileHeaderRecogniser, ReadsTheJournalsRateAndDepth) {
+    const std::string flac = TrackHeaderMessage::compose(96000, 24, "FLAC audio file");
+    const auto found = parse(flac);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(*found, (RateDetection{96000, 24, std::nullopt, "File header", t0, flac}));
+
+    // A compressed file's entry carries no depth: the rate alone.
+    const auto mp3 = parse(TrackHeaderMessage::compose(44100, std::nullopt, "MPEG audio file"));
+    ASSERT_TRUE(mp3);
+    EXPECT_EQ(mp3->sampleRate, 44100);
+    EXPECT_FALSE(mp3->bitDepth);
+    EXPECT_FALSE(mp3->bitRateKbps);
+}
+
+TEST(TrackFileHeaderRecogniser, FollowsTheSameRateAndDepthRules) {
+    const auto header = [](const std::string& rate, const std::string& depth) {
+        return parse("Track file header: rate = " + rate + " Hz, depth = " + depth + " bit");
+    };
+    EXPECT_EQ(header(" 88200\t", "24")->sampleRate, 88200);
+    EXPECT_EQ(header("44.1", "16")->sampleRate, 44100);  // below 1000 it is read as kHz
+    EXPECT_EQ(header("768000", "32")->sampleRate, 768000);
+    EXPECT_FALSE(header("768001", "24"));
+    EXPECT_FALSE(header("22050", "16"));
+    EXPECT_FALSE(header("96000.0.0", "24"));
+    EXPECT_FALSE(parse("Track file header: rate = 96000Hz, depth = 24 bit"));
+    EXPECT_FALSE(parse("Track header: rate = 96000 Hz, depth = 24 bit"));
+
+    EXPECT_EQ(header("48000", "+24")->bitDepth, 24);
+    for (const char* depth : {"24.0", "0", "65", "", "twenty"})
+        EXPECT_FALSE(header("48000", depth)->bitDepth) << depth;
+}
+
+TEST(TrackFileHeaderRecogniser, ComesAfterTheMusicAppsShapes) {
+    const auto found =
+        parse("Track file header: rate = 96000 Hz; Creating AudioQueue sampleRate:48000");
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->source, "AudioQueue");
+    EXPECT_EQ(found->sampleRate, 48000);
+    // A failed journal rate leaves nothing behind it to try.
+    EXPECT_FALSE(parse("Track file header: rate = 8000 Hz, depth = 24 bit"));
 }
 
 class LogScanTest : public ::testing::Test {
