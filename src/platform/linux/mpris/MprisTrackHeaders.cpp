@@ -74,7 +74,10 @@ void MprisTrackHeaders::whenRead(const std::string& url, Waiter waiter) {
                                [weak = weak_from_this(), url, result] {
                                    if (const auto self = weak.lock())
                                        self->finishRead(url, std::move(*result));
-                               });
+                               },
+                               // The engine's first scan asks for the header 0.6 s after the
+                               // track starts.
+                               BackgroundPriority::userInitiated);
 }
 
 void MprisTrackHeaders::finishRead(const std::string& url, std::optional<TrackFileFormat> format) {
