@@ -1,11 +1,13 @@
 #include "ChildProcess.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -65,6 +67,56 @@ int runProgram(const std::vector<std::string>& arguments,
     int status = 0;
     if (waitpid(pid, &status, 0) != pid) return -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::optional<std::string> programOutput(const std::vector<std::string>& arguments,
+                                         const std::vector<std::string>& extraEnvironment,
+                                         std::chrono::milliseconds timeout) {
+    int ends[2];
+    if (pipe(ends) != 0) return std::nullopt;
+    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    std::vector<std::string> argumentTexts = arguments;
+    std::vector<std::string> environmentTexts = environmentWith(extraEnvironment);
+    std::vector<char*> argv = pointers(argumentTexts);
+    std::vector<char*> envp = pointers(environmentTexts);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t pid = -1;
+    const int started = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
+    posix_spawn_file_actions_destroy(&actions);
+    close(ends[1]);
+    if (started != 0) {
+        close(ends[0]);
+        return std::nullopt;
+    }
+
+    std::string output;
+    bool ended = false;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (!ended) {
+        const auto remaining = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        if (remaining.count() <= 0) break;
+        pollfd readable{ends[0], POLLIN, 0};
+        if (poll(&readable, 1, static_cast<int>(remaining.count())) <= 0) continue;
+        char buffer[4096];
+        const ssize_t count = read(ends[0], buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) continue;
+        if (count > 0) {
+            output.append(buffer, static_cast<std::size_t>(count));
+        } else {
+            ended = true;  // the end of the output: the program closed it or exited
+        }
+    }
+    close(ends[0]);
+    if (!ended) kill(pid, SIGKILL);
+    int status = 0;
+    waitpid(pid, &status, 0);
+    if (!ended || !WIFEXITED(status) || WEXITSTATUS(status) != 0) return std::nullopt;
+    return output;
 }
 
 bool hasExited(pid_t pid) {
