@@ -46,7 +46,7 @@ TEST_F(PipeWireEngineTest, ATracksRateReachesTheRealSinkAndTheDepthIsPipeWiresOw
     EXPECT_TRUE(session.waitForSinkRate(PipeWireTestSession::firstSink, 96000));
     EXPECT_TRUE(logged(*engine, "Test DAC A → 96 kHz"));
     // Deeper formats are on offer but cannot be set: the engine reports what the sink runs.
-    EXPECT_EQ(engine->deviceBitDepth(), 32u);
+    EXPECT_EQ(engine->deviceBitDepth(), 32u) << ::testing::PrintToString(engine->activity());
 
     // PipeWire's confirmation of the new rate changes nothing more.
     const std::size_t lines = engine->activity().size();

@@ -188,7 +188,10 @@ TEST_F(PipeWireTest, SinksThatComeAndGoGetIdsOfTheirOwn) {
     // Plugged in again, it is a new device to the program: its old id is not reused.
     ASSERT_TRUE(session.addSink("corvanel_dac_c", "Test DAC C"));
     ASSERT_TRUE(session.setDefaultSink("corvanel_dac_c"));
-    ASSERT_TRUE(pumpUntil([&] { return defaultNamed("Test DAC C"); }));
+    ASSERT_TRUE(pumpUntil([&] { return defaultNamed("Test DAC C"); }))
+        << "default " << defaultDevice(audio) << " named "
+        << CoreAudioHelper::deviceName(audio, defaultDevice(audio))
+        << "; WirePlumber: " << session.defaultSink();
     EXPECT_NE(defaultDevice(audio), plugged);
 }
 

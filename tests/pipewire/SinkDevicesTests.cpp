@@ -60,21 +60,34 @@ TEST(SinkDevices, AListedRateSetAndItsDepthsBecomeDiscreteRatesAndRangedFormats)
     EXPECT_EQ(stream.setup.physicalFormat->mFormatFlags & kAudioFormatFlagIsFloat, 0u);
 }
 
-TEST(SinkDevices, ASleepingSinkReportsTheRateItWillStartAt) {
+TEST(SinkDevices, ASleepingSinkReportsTheRateAndFormatItWillStartWith) {
     SinkObjectIDs ids;
     GraphSnapshot graph = graphWith({usbDac(40)});
-    const auto rateOf = [&ids](const GraphSnapshot& snapshot) {
-        return sinkDevices(snapshot, ids).devices.begin()->second.setup.nominalRate;
+    const auto stream = [&ids](const GraphSnapshot& snapshot) {
+        const AudioObjectTable table = sinkDevices(snapshot, ids);
+        return std::make_pair(table.devices.begin()->second.setup.nominalRate,
+                              table.streams.begin()->second.setup.physicalFormat);
     };
-    EXPECT_EQ(rateOf(graph), 48000);  // the graph's default clock rate
-    graph.clock->forcedRate = 88200;
-    EXPECT_EQ(rateOf(graph), 88200);  // the rate the graph is forced to
-    graph.clock.reset();
-    EXPECT_EQ(rateOf(graph), 0);  // nothing known
+    // Never run: it starts at the graph's default clock rate, in a format nobody knows yet.
+    EXPECT_EQ(stream(graph).first, 48000);
+    EXPECT_FALSE(stream(graph).second);
 
-    const AudioObjectTable table = sinkDevices(graph, ids);
-    const AudioObjectTable::Stream& stream = table.streams.begin()->second;
-    EXPECT_FALSE(stream.setup.physicalFormat);
+    // Asleep after running: the rate and format it ran.
+    graph.sinks[0].lastFormat = NegotiatedFormat{"S24LE", 44100, 2};
+    EXPECT_EQ(stream(graph).first, 44100);
+    ASSERT_TRUE(stream(graph).second);
+    EXPECT_EQ(stream(graph).second->mBitsPerChannel, 24u);
+    EXPECT_EQ(stream(graph).second->mSampleRate, 44100);
+
+    // The graph is forced to a rate: it starts at that one, in the format it ran.
+    graph.clock->forcedRate = 88200;
+    EXPECT_EQ(stream(graph).first, 88200);
+    EXPECT_EQ(stream(graph).second->mSampleRate, 88200);
+    EXPECT_EQ(stream(graph).second->mBitsPerChannel, 24u);
+
+    graph.clock.reset();
+    graph.sinks[0].lastFormat.reset();
+    EXPECT_EQ(stream(graph).first, 0);  // nothing known
 }
 
 TEST(SinkDevices, IdsLastAsLongAsTheSinkAndAreNeverGivenToAnother) {

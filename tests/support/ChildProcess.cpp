@@ -4,6 +4,8 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -136,6 +138,20 @@ void stopProgram(pid_t pid, std::chrono::milliseconds grace) {
     kill(pid, SIGKILL);
     int status = 0;
     waitpid(pid, &status, 0);
+}
+
+bool acceptsConnections(const std::filesystem::path& socketPath) {
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+    if (descriptor < 0) return false;
+    fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = socketPath.string();
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const bool connected =
+        connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+    close(descriptor);
+    return connected;
 }
 
 std::string readTextFile(const std::filesystem::path& path) {

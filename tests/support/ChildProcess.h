@@ -28,6 +28,9 @@ void stopProgram(pid_t pid, std::chrono::milliseconds grace = std::chrono::milli
 // Whether the process has exited (and reaps it if so).
 bool hasExited(pid_t pid);
 
+// Whether a server accepts connections on the Unix socket at `socketPath`.
+bool acceptsConnections(const std::filesystem::path& socketPath);
+
 std::string readTextFile(const std::filesystem::path& path);
 // A new private directory under the system's temporary folder: prefix + six random characters.
 std::filesystem::path makePrivateDirectory(const std::string& prefix);

@@ -216,23 +216,47 @@ void PipeWireTestSession::start() {
     environment.push_back("XDG_STATE_HOME=" + (directory_ / "state").string());
     const std::string daemonLog = (directory_ / "pipewire.log").string();
     const std::string sessionManagerLog = (directory_ / "wireplumber.log").string();
+    const auto logs = [&] {
+        return "\npipewire:\n" + readTextFile(daemonLog) + "\nwireplumber:\n" +
+               readTextFile(sessionManagerLog);
+    };
+    // A process that has ended is reaped here and forgotten, so its id is never signalled.
+    const auto ended = [](pid_t& pid) {
+        if (!hasExited(pid)) return false;
+        pid = -1;
+        return true;
+    };
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
     daemon_ = startProgram({"pipewire", "-c", (directory_ / "pipewire.conf").string()}, environment,
                            daemonLog);
+    if (daemon_ < 0) {
+        failure_ = "could not start pipewire (scripts/bootstrap installs it)";
+        return;
+    }
+    // WirePlumber gives up when it finds no daemon: it starts once the daemon listens.
+    while (!acceptsConnections(directory_ / "runtime" / "pipewire-0")) {
+        if (ended(daemon_) || Clock::now() >= deadline) {
+            failure_ = "pipewire did not start" + logs();
+            return;
+        }
+        std::this_thread::sleep_for(milliseconds(2));
+    }
     sessionManager_ =
         startProgram({"wireplumber", "-c", (directory_ / "wireplumber.conf").string()}, environment,
                      sessionManagerLog);
-    if (daemon_ < 0 || sessionManager_ < 0) {
-        failure_ = "could not start pipewire and wireplumber (scripts/bootstrap installs them)";
+    if (sessionManager_ < 0) {
+        failure_ = "could not start wireplumber (scripts/bootstrap installs it)";
         return;
     }
-    const auto deadline = Clock::now() + std::chrono::seconds(10);
     while (Clock::now() < deadline) {
-        if (hasExited(daemon_) || hasExited(sessionManager_)) break;
+        if (ended(daemon_) || ended(sessionManager_)) {
+            failure_ = "pipewire or wireplumber exited while starting" + logs();
+            return;
+        }
         if (defaultSink() == firstSink) return;
         std::this_thread::sleep_for(milliseconds(10));
     }
-    failure_ = "WirePlumber did not choose a default sink within 10 s.\npipewire:\n" +
-               readTextFile(daemonLog) + "\nwireplumber:\n" + readTextFile(sessionManagerLog);
+    failure_ = "WirePlumber did not choose a default sink within 10 s" + logs();
 }
 
 PipeWireTestSession::~PipeWireTestSession() {

@@ -1,6 +1,5 @@
 #include "platform/linux/pipewire/GraphMirror.h"
 
-#include <pipewire/extensions/metadata.h>
 #include <spa/param/param.h>
 
 #include <algorithm>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "platform/linux/pipewire/MetadataValues.h"
+#include "platform/linux/pipewire/PipeWireCalls.h"
 #include "platform/linux/pipewire/SpaFormat.h"
 
 namespace corvanel::pipewire {
@@ -108,8 +108,7 @@ struct GraphMirror::Node {
         param.reading = true;
         // A parameter that cannot be read now (a suspended node's Format) reads as none.
         param.seq = (about.flags & SPA_PARAM_INFO_READ) != 0
-                        ? pw_node_enum_params(reinterpret_cast<pw_node*>(proxy.get()), 0, about.id,
-                                              0, UINT32_MAX, nullptr)
+                        ? calls::enumerateParams(proxy.get(), about.id)
                         : 0;
     }
 
@@ -134,6 +133,7 @@ struct GraphMirror::Node {
     std::optional<std::int64_t> processID;
     std::optional<std::uint32_t> clientID;
     Param<NegotiatedFormat> format;
+    std::optional<NegotiatedFormat> lastFormat;
     Param<OfferedFormat> offers;
 };
 
@@ -173,11 +173,10 @@ GraphMirror::GraphMirror(PipeWireConnection& connection)
         return events;
     }();
     const PipeWireConnection::Lock lock(connection_);
-    pw_core_add_listener(connection_.core(), coreListener_.get(), &coreEvents, this);
-    auto* registry = pw_core_get_registry(connection_.core(), PW_VERSION_REGISTRY, 0);
-    registry_.reset(reinterpret_cast<pw_proxy*>(registry));
-    if (registry != nullptr)
-        pw_registry_add_listener(registry, registryListener_.get(), &registryEvents, this);
+    calls::addCoreListener(connection_.core(), coreListener_.get(), &coreEvents, this);
+    registry_.reset(calls::registry(connection_.core()));
+    if (registry_)
+        calls::addRegistryListener(registry_.get(), registryListener_.get(), &registryEvents, this);
     // The first snapshot goes out once the daemon has announced every object and answered
     // every question about them.
     changed();
@@ -220,8 +219,8 @@ bool GraphMirror::setForcedRate(std::uint32_t rate) {
     const PipeWireConnection::Lock lock(connection_);
     for (const auto& [id, metadata] : metadata_) {
         if (metadata->name != settingsMetadata) continue;
-        pw_metadata_set_property(reinterpret_cast<pw_metadata*>(metadata->proxy.get()), PW_ID_CORE,
-                                 "clock.force-rate", nullptr, std::to_string(rate).c_str());
+        calls::setMetadataProperty(metadata->proxy.get(), PW_ID_CORE, "clock.force-rate",
+                                   std::to_string(rate).c_str());
         return true;
     }
     return false;
@@ -248,16 +247,18 @@ void GraphMirror::onGlobal(void* data, std::uint32_t id, std::uint32_t, const ch
         // A client's process: what it says of itself, else what its socket says.
         auto process = numberAt<std::int64_t>(props, PW_KEY_APP_PROCESS_ID);
         if (!process) process = numberAt<std::int64_t>(props, PW_KEY_SEC_PID);
-        if (process) {
-            mirror.clientProcesses_[id] = *process;
-            mirror.changed();
-        }
+        mirror.clients_[id] = process;
+        mirror.changed();
     }
 }
 
 void GraphMirror::onGlobalRemove(void* data, std::uint32_t id) {
     auto& mirror = *static_cast<GraphMirror*>(data);
-    bool removed = mirror.nodes_.erase(id) > 0 || mirror.clientProcesses_.erase(id) > 0;
+    bool removed = mirror.nodes_.erase(id) > 0;
+    if (mirror.clients_.erase(id) > 0) {
+        mirror.readDefaultsAgain();
+        removed = true;
+    }
     if (const auto found = mirror.metadata_.find(id); found != mirror.metadata_.end()) {
         if (found->second->name == defaultMetadata) mirror.defaultSinkName_.reset();
         if (found->second->name == settingsMetadata) mirror.clock_.reset();
@@ -280,12 +281,9 @@ void GraphMirror::addNode(std::uint32_t id, const spa_dict& props, bool isSink) 
     const std::uint64_t serial =
         numberAt<std::uint64_t>(&props, PW_KEY_OBJECT_SERIAL).value_or(++localSerials_);
     auto node = std::make_unique<Node>(*this, serial, isSink);
-    node->proxy.reset(
-        static_cast<pw_proxy*>(pw_registry_bind(reinterpret_cast<pw_registry*>(registry_.get()), id,
-                                                PW_TYPE_INTERFACE_Node, PW_VERSION_NODE, 0)));
+    node->proxy.reset(calls::bind(registry_.get(), id, PW_TYPE_INTERFACE_Node, PW_VERSION_NODE));
     if (!node->proxy) return;
-    pw_node_add_listener(reinterpret_cast<pw_node*>(node->proxy.get()), node->listener.get(),
-                         &nodeEvents, node.get());
+    calls::addNodeListener(node->proxy.get(), node->listener.get(), &nodeEvents, node.get());
     nodes_[id] = std::move(node);
     changed();
 }
@@ -298,15 +296,23 @@ void GraphMirror::addMetadata(std::uint32_t id, const std::string& name) {
         return events;
     }();
     auto metadata = std::make_unique<Metadata>(*this, name);
-    metadata->proxy.reset(static_cast<pw_proxy*>(
-        pw_registry_bind(reinterpret_cast<pw_registry*>(registry_.get()), id,
-                         PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA, 0)));
+    metadata->proxy.reset(
+        calls::bind(registry_.get(), id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA));
     if (!metadata->proxy) return;
     if (name == settingsMetadata) clock_ = ClockSettings{};
-    pw_metadata_add_listener(reinterpret_cast<pw_metadata*>(metadata->proxy.get()),
-                             metadata->listener.get(), &metadataEvents, metadata.get());
+    calls::addMetadataListener(metadata->proxy.get(), metadata->listener.get(), &metadataEvents,
+                               metadata.get());
     metadata_[id] = std::move(metadata);
     changed();
+}
+
+void GraphMirror::readDefaultsAgain() {
+    std::optional<std::uint32_t> defaults;
+    for (const auto& [id, metadata] : metadata_) {
+        if (metadata->name == defaultMetadata) defaults = id;
+    }
+    // A new binding replaces the old one and reads every value afresh.
+    if (defaults) addMetadata(*defaults, std::string(defaultMetadata));
 }
 
 void GraphMirror::metadataChanged(const Metadata& metadata, const char* key, const char* value) {
@@ -332,7 +338,7 @@ void GraphMirror::metadataChanged(const Metadata& metadata, const char* key, con
 void GraphMirror::changed() {
     // The daemon answers in order: when this round trip is done, so is every read asked for
     // before it. Only the newest one publishes.
-    latestSync_ = pw_core_sync(connection_.core(), PW_ID_CORE, 0);
+    latestSync_ = calls::sync(connection_.core());
 }
 
 void GraphMirror::onDone(void* data, std::uint32_t id, int seq) {
@@ -341,6 +347,7 @@ void GraphMirror::onDone(void* data, std::uint32_t id, int seq) {
     for (const auto& [nodeID, node] : mirror.nodes_) {
         node->format.finishRead();
         node->offers.finishRead();
+        if (!node->format.values.empty()) node->lastFormat = node->format.values.front();
     }
     mirror.publish();
 }
@@ -356,7 +363,7 @@ void GraphMirror::onError(void* data, std::uint32_t id, int, int result, const c
 void GraphMirror::forgetEverything() {
     nodes_.clear();
     metadata_.clear();
-    clientProcesses_.clear();
+    clients_.clear();
     defaultSinkName_.reset();
     clock_.reset();
 }
@@ -368,13 +375,12 @@ void GraphMirror::publish() {
         if (!node->format.values.empty()) format = node->format.values.front();
         if (node->isSink) {
             next->sinks.push_back(SinkNode{node->serial, node->name, node->description, node->nick,
-                                           format, node->offers.values});
+                                           format, node->lastFormat, node->offers.values});
             continue;
         }
         std::optional<std::int64_t> process = node->processID;
         if (!process && node->clientID) {
-            if (const auto client = clientProcesses_.find(*node->clientID);
-                client != clientProcesses_.end())
+            if (const auto client = clients_.find(*node->clientID); client != clients_.end())
                 process = client->second;
         }
         next->streams.push_back(PlaybackStream{node->serial, process, format});

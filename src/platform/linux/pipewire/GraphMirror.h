@@ -56,6 +56,11 @@ class GraphMirror {
     void addNode(std::uint32_t id, const spa_dict& props, bool isSink);
     void addMetadata(std::uint32_t id, const std::string& name);
     void metadataChanged(const Metadata& metadata, const char* key, const char* value);
+    // While a client binds metadata that another client owns (WirePlumber's "default"),
+    // PipeWire 0.3.65 passes the owner's changes only to the binding client: everyone else
+    // misses them. A client that has gone has finished binding, so reading the values afresh
+    // then brings back any change missed meanwhile.
+    void readDefaultsAgain();
     // Something changed: publish once the daemon has answered everything asked so far.
     void changed();
     void publish();
@@ -70,7 +75,7 @@ class GraphMirror {
     // The loop thread's working copy.
     std::map<std::uint32_t, std::unique_ptr<Node>> nodes_;
     std::map<std::uint32_t, std::unique_ptr<Metadata>> metadata_;
-    std::map<std::uint32_t, std::int64_t> clientProcesses_;
+    std::map<std::uint32_t, std::optional<std::int64_t>> clients_;  // their processes
     std::optional<std::string> defaultSinkName_;
     std::optional<ClockSettings> clock_;
     std::uint64_t localSerials_ = 0;

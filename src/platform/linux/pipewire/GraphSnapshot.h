@@ -32,6 +32,8 @@ struct SinkNode {
     std::string description;   // node.description: what a user reads
     std::string nick;          // node.nick
     std::optional<NegotiatedFormat> format;  // absent while the sink is suspended
+    // The format it ran last, kept while it is suspended; absent until it has run.
+    std::optional<NegotiatedFormat> lastFormat;
     std::vector<OfferedFormat> offers;
 };
 

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <mutex>
 
+#include "platform/linux/pipewire/PipeWireCalls.h"
+
 namespace corvanel::pipewire {
 namespace {
 
@@ -45,8 +47,8 @@ std::variant<std::unique_ptr<PipeWireConnection>, std::string> PipeWireConnectio
             handlers.error = onError;
             return handlers;
         }();
-        pw_core_add_listener(connection->core(), connection->coreListener_.get(), &events,
-                             connection.get());
+        calls::addCoreListener(connection->core(), connection->coreListener_.get(), &events,
+                               connection.get());
         if (!connection->roundTrip(deadline)) failure = connection->waitFailure(timeout);
     }
     // The lock is released before a failed connection goes: ending the loop's thread needs it.
@@ -71,7 +73,7 @@ bool PipeWireConnection::waitUntil(Clock::time_point deadline) const {
 
 bool PipeWireConnection::roundTrip(Clock::time_point deadline) {
     if (broken_) return false;
-    awaitedSync_ = pw_core_sync(core(), PW_ID_CORE, 0);
+    awaitedSync_ = calls::sync(core());
     awaitedSyncDone_ = false;
     while (!awaitedSyncDone_) {
         if (broken_ || !waitUntil(deadline)) return awaitedSyncDone_;

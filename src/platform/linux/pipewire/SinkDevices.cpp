@@ -103,11 +103,12 @@ std::vector<AudioStreamRangedDescription> offeredFormats(const SinkNode& sink) {
     return entries;
 }
 
-std::optional<AudioStreamBasicDescription> currentFormat(const SinkNode& sink) {
-    if (!sink.format || sink.format->rate == 0) return std::nullopt;
-    const auto layout = sampleLayout(sink.format->sampleFormat);
+std::optional<AudioStreamBasicDescription> currentFormat(const SinkNode& sink, double rate) {
+    const std::optional<NegotiatedFormat>& format = sink.format ? sink.format : sink.lastFormat;
+    if (!format || rate <= 0) return std::nullopt;
+    const auto layout = sampleLayout(format->sampleFormat);
     if (!layout) return std::nullopt;
-    return linearPCM(*layout, sink.format->rate, sink.format->channels);
+    return linearPCM(*layout, rate, format->channels);
 }
 
 }  // namespace
@@ -129,6 +130,7 @@ void SinkObjectIDs::keepOnly(const GraphSnapshot& graph) {
 double nominalRate(const SinkNode& sink, const std::optional<ClockSettings>& clock) {
     if (sink.format && sink.format->rate > 0) return sink.format->rate;
     if (clock && clock->forcedRate > 0) return clock->forcedRate;
+    if (sink.lastFormat && sink.lastFormat->rate > 0) return sink.lastFormat->rate;
     if (clock && clock->rate > 0) return clock->rate;
     return 0;
 }
@@ -147,7 +149,8 @@ AudioObjectTable sinkDevices(const GraphSnapshot& graph, SinkObjectIDs& ids) {
             const std::vector<AudioValueRange> ranges = offeredRates(offer);
             device.availableRates.insert(device.availableRates.end(), ranges.begin(), ranges.end());
         }
-        device.outputStreams.push_back({offeredFormats(sink), currentFormat(sink)});
+        device.outputStreams.push_back(
+            {offeredFormats(sink), currentFormat(sink, device.nominalRate)});
         const AudioObjectID id = ids.device(sink.serial);
         table.addDevice(id, std::move(device), {SinkObjectIDs::stream(id)});
         if (graph.defaultSinkName == sink.name) table.defaultOutputDevice = id;

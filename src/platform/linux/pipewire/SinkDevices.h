@@ -28,16 +28,18 @@ class SinkObjectIDs {
 
 // The devices of a snapshot:
 // - name: node.description (else node.nick, else node.name); UID: node.name;
-// - nominal rate: the rate the sink runs (its negotiated Format); see nominalRate();
+// - nominal rate: see nominalRate();
 // - available rates: the rates of its EnumFormat, a continuous range as one range;
-// - one output stream offering every linear-PCM depth of the EnumFormat over those rates, with
-//   the negotiated Format as its current format (none while the sink is suspended).
+// - one output stream offering every linear-PCM depth of the EnumFormat over those rates. Its
+//   current format is the negotiated Format; while the sink is suspended, the format it ran
+//   last at the nominal rate (PipeWire opens it again with it), and none before it has run.
 AudioObjectTable sinkDevices(const GraphSnapshot& graph, SinkObjectIDs& ids);
 
-// The rate a sink runs at. A suspended sink runs none; it will start at the rate the graph is
-// forced to, else at the graph's default clock rate, so that is the best answer to "what rate
-// is this device at" and keeps the rate shown steady while a sink sleeps between tracks. 0 when
-// nothing is known.
+// The rate a sink runs at: the rate of its negotiated Format. A suspended sink runs none; it
+// will start at the rate the graph is forced to, if any. Otherwise the rate it ran last is the
+// best answer, and keeps the device steady through the short suspensions of a rate change or a
+// pause between tracks; a sink that has not run yet will start at the graph's default clock
+// rate. 0 when nothing is known.
 double nominalRate(const SinkNode& sink, const std::optional<ClockSettings>& clock);
 
 }  // namespace corvanel::pipewire
