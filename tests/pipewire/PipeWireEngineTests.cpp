@@ -3,7 +3,6 @@
 // sink brings the engine's device and rate listener along.
 #include <algorithm>
 
-#include "ChildProcess.h"
 #include "PipeWireTestWorld.h"
 #include "switching/SimulatedMac.h"
 #include "switching/SwitcherEngine.h"
@@ -34,8 +33,7 @@ class PipeWireEngineTest : public PipeWireTest {
 };
 
 TEST_F(PipeWireEngineTest, ATracksRateReachesTheRealSinkAndTheDepthIsPipeWiresOwn) {
-    const pid_t player = session.playSilence(PipeWireTestSession::firstSink);
-    ASSERT_TRUE(session.waitForSinkRate(PipeWireTestSession::firstSink, 48000));
+    ASSERT_TRUE(playInto(PipeWireTestSession::firstSink));
     const PipeWireOutput output = connect();
     ASSERT_TRUE(output.audio);
     mac.log->add("Music", "Creating AudioQueue with sampleRate:96000.0", mac.secondsIn(0));
@@ -53,12 +51,10 @@ TEST_F(PipeWireEngineTest, ATracksRateReachesTheRealSinkAndTheDepthIsPipeWiresOw
     pumpFor(200ms);
     EXPECT_EQ(engine->activity().size(), lines);
     EXPECT_EQ(engine->deviceRate(), 96000);
-    stopProgram(player);
 }
 
 TEST_F(PipeWireEngineTest, ANewDefaultSinkBringsTheDeviceAndItsRateListener) {
-    const pid_t player = session.playSilence(PipeWireTestSession::secondSink);
-    ASSERT_TRUE(session.waitForSinkRate(PipeWireTestSession::secondSink, 48000));
+    ASSERT_TRUE(playInto(PipeWireTestSession::secondSink));
     const PipeWireOutput output = connect();
     ASSERT_TRUE(output.audio);
     const auto engine = startEngine(output);
@@ -74,7 +70,6 @@ TEST_F(PipeWireEngineTest, ANewDefaultSinkBringsTheDeviceAndItsRateListener) {
     ASSERT_TRUE(session.forceRateAsAnotherProgram(44100));
     EXPECT_TRUE(pumpUntil([&] { return engine->deviceRate() == 44100; }));
     EXPECT_EQ(session.sinkRate(PipeWireTestSession::secondSink), 44100);
-    stopProgram(player);
 }
 
 }  // namespace

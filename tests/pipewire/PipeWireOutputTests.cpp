@@ -21,20 +21,6 @@ std::chrono::milliseconds since(Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
 }
 
-// A listener that counts its calls and notes whether each came on this (the main) thread.
-struct CountingListener {
-    int calls = 0;
-    bool offMainThread = false;
-    std::thread::id mainThread = std::this_thread::get_id();
-
-    AudioHardware::PropertyListener callback() {
-        return [this] {
-            ++calls;
-            offMainThread = offMainThread || std::this_thread::get_id() != mainThread;
-        };
-    }
-};
-
 TEST_F(PipeWireTest, TheDefaultSinkIsTheOutputDeviceWithItsNameUIDRatesAndOneStream) {
     std::cout << "measured: private session up in " << session.startTime().count() << " ms\n";
     const auto connecting = Clock::now();
@@ -70,19 +56,14 @@ TEST_F(PipeWireTest, TheDefaultSinkIsTheOutputDeviceWithItsNameUIDRatesAndOneStr
 }
 
 TEST_F(PipeWireTest, ARateWriteMakesPipeWireRunTheSinkAtThatRate) {
-    const pid_t player = session.playSilence(PipeWireTestSession::firstSink);
-    ASSERT_TRUE(session.waitForSinkRate(PipeWireTestSession::firstSink, 48000));
+    ASSERT_TRUE(playInto(PipeWireTestSession::firstSink));
     const PipeWireOutput output = connect();
     ASSERT_TRUE(output.audio);
     AudioHardware& audio = *output.audio;
     const AudioObjectID device = defaultDevice(audio);
     EXPECT_EQ(CoreAudioHelper::nominalRate(audio, device), 48000);
     CountingListener listener;
-    PropertyListenerID id = 0;
-    ASSERT_EQ(
-        audio.addPropertyListener(device, globalAddress(kAudioDevicePropertyNominalSampleRate),
-                                  listener.callback(), id),
-        kNoErr);
+    listen(audio, device, kAudioDevicePropertyNominalSampleRate, listener);
 
     const auto written = Clock::now();
     ASSERT_EQ(writeRate(audio, device, 96000), kNoErr);
@@ -100,22 +81,17 @@ TEST_F(PipeWireTest, ARateWriteMakesPipeWireRunTheSinkAtThatRate) {
               kAudioHardwareBadPropertySizeError);
     EXPECT_EQ(writeRate(audio, device, 0), kAudioDeviceUnsupportedFormatError);
     EXPECT_EQ(session.forcedRate(), 96000);
-    stopProgram(player);
 }
 
 TEST_F(PipeWireTest, AnotherProgramsRateReachesTheRateListenerOnTheMainThread) {
-    const pid_t player = session.playSilence(PipeWireTestSession::firstSink);
-    ASSERT_TRUE(session.waitForSinkRate(PipeWireTestSession::firstSink, 48000));
+    ASSERT_TRUE(playInto(PipeWireTestSession::firstSink));
     const PipeWireOutput output = connect();
     ASSERT_TRUE(output.audio);
     AudioHardware& audio = *output.audio;
     const AudioObjectID device = defaultDevice(audio);
     CountingListener listener;
-    PropertyListenerID id = 0;
-    ASSERT_EQ(
-        audio.addPropertyListener(device, globalAddress(kAudioDevicePropertyNominalSampleRate),
-                                  listener.callback(), id),
-        kNoErr);
+    const PropertyListenerID id =
+        listen(audio, device, kAudioDevicePropertyNominalSampleRate, listener);
 
     ASSERT_TRUE(session.forceRateAsAnotherProgram(88200));
     EXPECT_TRUE(pumpUntil([&] {
@@ -132,7 +108,6 @@ TEST_F(PipeWireTest, AnotherProgramsRateReachesTheRateListenerOnTheMainThread) {
     ASSERT_TRUE(session.forceRateAsAnotherProgram(44100));
     EXPECT_TRUE(pumpUntil([&] { return CoreAudioHelper::nominalRate(audio, device) == 44100; }));
     EXPECT_EQ(listener.calls, callsBefore);
-    stopProgram(player);
 }
 
 TEST_F(PipeWireTest, TheUsersNewDefaultSinkReachesTheDefaultDeviceListener) {
@@ -142,11 +117,7 @@ TEST_F(PipeWireTest, TheUsersNewDefaultSinkReachesTheDefaultDeviceListener) {
     const AudioObjectID first = defaultDevice(audio);
     const AudioObjectID firstStream = CoreAudioHelper::outputStreams(audio, first).at(0);
     CountingListener listener;
-    PropertyListenerID id = 0;
-    ASSERT_EQ(audio.addPropertyListener(kAudioObjectSystemObject,
-                                        globalAddress(kAudioHardwarePropertyDefaultOutputDevice),
-                                        listener.callback(), id),
-              kNoErr);
+    listen(audio, kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice, listener);
 
     ASSERT_TRUE(session.setDefaultSink(PipeWireTestSession::secondSink));
     ASSERT_TRUE(pumpUntil([&] { return listener.calls > 0 && defaultDevice(audio) != first; }));
@@ -196,8 +167,7 @@ TEST_F(PipeWireTest, SinksThatComeAndGoGetIdsOfTheirOwn) {
 }
 
 TEST_F(PipeWireTest, DepthWritesFailAndTheDeviceKeepsTheDepthPipeWireRuns) {
-    const pid_t player = session.playSilence(PipeWireTestSession::firstSink);
-    ASSERT_TRUE(session.waitForSinkRate(PipeWireTestSession::firstSink, 48000));
+    ASSERT_TRUE(playInto(PipeWireTestSession::firstSink));
     const PipeWireOutput output = connect();
     ASSERT_TRUE(output.audio);
     AudioHardware& audio = *output.audio;
@@ -236,7 +206,6 @@ TEST_F(PipeWireTest, DepthWritesFailAndTheDeviceKeepsTheDepthPipeWireRuns) {
               kAudioHardwareUnsupportedOperationError);
     // The rule for a refused write reports the depth the stream runs.
     EXPECT_EQ(CoreAudioHelper::setMaxBitDepth(audio, device, 48000), 32u);
-    stopProgram(player);
 }
 
 TEST_F(PipeWireTest, GoingAwayGivesBackTheForcedRateItFound) {
@@ -269,8 +238,8 @@ TEST_F(PipeWireTest, GoingAwayLeavesARateAnotherProgramForcedSince) {
 TEST_F(PipeWireTest, PlaybackStreamsAreFoundByTheProcessThatPlaysThem) {
     const PipeWireOutput output = connect();
     ASSERT_TRUE(output.playbackStreams);
-    const pid_t player = session.playSilence(PipeWireTestSession::secondSink);
-    ASSERT_GT(player, 0);
+    ASSERT_TRUE(playInto(PipeWireTestSession::secondSink));
+    const pid_t player = players.back();
 
     std::optional<PlaybackStreamFormat> stream;
     EXPECT_TRUE(pumpUntil([&] {
@@ -283,7 +252,7 @@ TEST_F(PipeWireTest, PlaybackStreamsAreFoundByTheProcessThatPlaysThem) {
     EXPECT_EQ(stream->sampleFormat, "S16LE");
     EXPECT_FALSE(output.playbackStreams->streamOfProcess(getpid()));
 
-    stopProgram(player);
+    stopPlaying();
     EXPECT_TRUE(pumpUntil([&] { return !output.playbackStreams->streamOfProcess(player); }));
 }
 
@@ -293,11 +262,7 @@ TEST_F(PipeWireTest, ADaemonThatQuitsLeavesNoDeviceAndNothingHangs) {
     AudioHardware& audio = *output.audio;
     ASSERT_EQ(writeRate(audio, defaultDevice(audio), 96000), kNoErr);
     CountingListener listener;
-    PropertyListenerID id = 0;
-    ASSERT_EQ(audio.addPropertyListener(kAudioObjectSystemObject,
-                                        globalAddress(kAudioHardwarePropertyDefaultOutputDevice),
-                                        listener.callback(), id),
-              kNoErr);
+    listen(audio, kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice, listener);
 
     kill(session.daemonPid(), SIGKILL);
     EXPECT_TRUE(pumpUntil([&] { return listener.calls > 0; }));

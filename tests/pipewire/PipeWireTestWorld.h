@@ -6,9 +6,12 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string>
 #include <thread>
 #include <variant>
+#include <vector>
 
+#include "ChildProcess.h"
 #include "PipeWireTestSession.h"
 #include "platform/linux/pipewire/PipeWireOutput.h"
 #include "platform/sim/VirtualTimeExecutor.h"
@@ -19,12 +22,54 @@ namespace corvanel::testing {
 
 using namespace std::chrono_literals;
 
+// A listener that counts its calls and notes whether any came off this (the main) thread.
+struct CountingListener {
+    int calls = 0;
+    bool offMainThread = false;
+    std::thread::id mainThread = std::this_thread::get_id();
+
+    AudioHardware::PropertyListener callback() {
+        return [this] {
+            ++calls;
+            offMainThread = offMainThread || std::this_thread::get_id() != mainThread;
+        };
+    }
+};
+
 class PipeWireTest : public ::testing::Test {
   protected:
     void SetUp() override {
         // CI machines have PipeWire installed: a session that cannot start is a failure.
         ASSERT_TRUE(session.failure().empty())
             << "The private PipeWire session for this test did not start: " << session.failure();
+    }
+    void TearDown() override {
+        for (const pid_t player : players)
+            stopProgram(player);
+    }
+
+    // Plays silence into `sink` until the test ends, as a player would; true once the sink runs
+    // at the graph's default rate. The player's process id is the last of `players`.
+    bool playInto(const std::string& sink) {
+        players.push_back(session.playSilence(sink));
+        return players.back() > 0 &&
+               session.waitForSinkRate(sink, PipeWireTestSession::defaultRate);
+    }
+
+    // Stops the last player now.
+    void stopPlaying() {
+        stopProgram(players.back());
+        players.pop_back();
+    }
+
+    // Registers `listener` for the object's property (global scope); its id.
+    static PropertyListenerID listen(AudioHardware& audio, AudioObjectID object,
+                                     std::uint32_t selector, CountingListener& listener) {
+        PropertyListenerID id = 0;
+        EXPECT_EQ(
+            audio.addPropertyListener(object, globalAddress(selector), listener.callback(), id),
+            kNoErr);
+        return id;
     }
 
     // Connects the output to the session; the test fails when it cannot.
@@ -66,6 +111,7 @@ class PipeWireTest : public ::testing::Test {
 
     PipeWireTestSession session;
     std::shared_ptr<VirtualTimeExecutor> executor = std::make_shared<VirtualTimeExecutor>();
+    std::vector<pid_t> players;
 };
 
 }  // namespace corvanel::testing

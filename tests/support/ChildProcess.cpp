@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <thread>
 
@@ -42,24 +43,32 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
-}  // namespace
-
-pid_t startProgram(const std::vector<std::string>& arguments,
-                   const std::vector<std::string>& extraEnvironment, const std::string& logPath) {
+// Spawns the program with its output arranged by `arrange`; its process id, or -1.
+pid_t spawn(const std::vector<std::string>& arguments,
+            const std::vector<std::string>& extraEnvironment,
+            const std::function<void(posix_spawn_file_actions_t&)>& arrange) {
     std::vector<std::string> argumentTexts = arguments;
     std::vector<std::string> environmentTexts = environmentWith(extraEnvironment);
     std::vector<char*> argv = pointers(argumentTexts);
     std::vector<char*> envp = pointers(environmentTexts);
-
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logPath.c_str(),
-                                     O_WRONLY | O_CREAT | O_APPEND, 0644);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    arrange(actions);
     pid_t pid = -1;
     const int result = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
     posix_spawn_file_actions_destroy(&actions);
     return result == 0 ? pid : -1;
+}
+
+}  // namespace
+
+pid_t startProgram(const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& extraEnvironment, const std::string& logPath) {
+    return spawn(arguments, extraEnvironment, [&logPath](posix_spawn_file_actions_t& actions) {
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logPath.c_str(),
+                                         O_WRONLY | O_CREAT | O_APPEND, 0644);
+        posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    });
 }
 
 int runProgram(const std::vector<std::string>& arguments,
@@ -78,19 +87,13 @@ std::optional<std::string> programOutput(const std::vector<std::string>& argumen
     if (pipe(ends) != 0) return std::nullopt;
     fcntl(ends[0], F_SETFD, FD_CLOEXEC);
     fcntl(ends[1], F_SETFD, FD_CLOEXEC);
-    std::vector<std::string> argumentTexts = arguments;
-    std::vector<std::string> environmentTexts = environmentWith(extraEnvironment);
-    std::vector<char*> argv = pointers(argumentTexts);
-    std::vector<char*> envp = pointers(environmentTexts);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t pid = -1;
-    const int started = posix_spawnp(&pid, argv[0], &actions, nullptr, argv.data(), envp.data());
-    posix_spawn_file_actions_destroy(&actions);
+    const pid_t pid =
+        spawn(arguments, extraEnvironment, [&ends](posix_spawn_file_actions_t& actions) {
+            posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+            posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        });
     close(ends[1]);
-    if (started != 0) {
+    if (pid < 0) {
         close(ends[0]);
         return std::nullopt;
     }

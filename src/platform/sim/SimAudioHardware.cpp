@@ -74,44 +74,43 @@ AudioObjectID SimAudioHardware::addDevice(DeviceSpec setup) {
 }
 
 void SimAudioHardware::removeDevice(AudioObjectID device) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     {
         std::lock_guard lock(mutex_);
         if (!objects_.devices.contains(device)) return;
         objects_.removeDevice(device);
-        std::erase_if(listeners_,
-                      [device](const auto& entry) { return entry.second.object == device; });
+        listeners_.removeAll(device);
         if (objects_.defaultOutputDevice == device) {
             objects_.defaultOutputDevice =
                 objects_.devices.empty() ? kAudioObjectUnknown : objects_.devices.begin()->first;
-            toNotify =
-                listenersFor(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice);
+            toNotify = listeners_.matching(kAudioObjectSystemObject,
+                                           kAudioHardwarePropertyDefaultOutputDevice);
         }
     }
     notify(toNotify);
 }
 
 void SimAudioHardware::setDefaultOutputDevice(AudioObjectID device) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     {
         std::lock_guard lock(mutex_);
         if (objects_.defaultOutputDevice == device) return;
         objects_.defaultOutputDevice = device;
-        toNotify =
-            listenersFor(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice);
+        toNotify = listeners_.matching(kAudioObjectSystemObject,
+                                       kAudioHardwarePropertyDefaultOutputDevice);
     }
     notify(toNotify);
 }
 
 void SimAudioHardware::changeNominalRateExternally(AudioObjectID device, double rate) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     {
         std::lock_guard lock(mutex_);
         const auto found = objects_.devices.find(device);
         if (found == objects_.devices.end()) return;
         found->second.setup.nominalRate = rate;
         moveStreamsToRate(found->second, rate);
-        toNotify = listenersFor(device, kAudioDevicePropertyNominalSampleRate);
+        toNotify = listeners_.matching(device, kAudioDevicePropertyNominalSampleRate);
     }
     notify(toNotify);
 }
@@ -199,7 +198,7 @@ std::vector<SimAudioHardware::Write> SimAudioHardware::writes() const {
 
 std::size_t SimAudioHardware::listenerCount(AudioObjectID object, std::uint32_t selector) const {
     std::lock_guard lock(mutex_);
-    return listenersFor(object, selector).size();
+    return listeners_.matching(object, selector).size();
 }
 
 std::optional<OSStatus> SimAudioHardware::injectedStatus(Operation operation, AudioObjectID object,
@@ -239,7 +238,7 @@ OSStatus SimAudioHardware::getPropertyData(AudioObjectID object,
 OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
                                       const AudioObjectPropertyAddress& address,
                                       const std::vector<unsigned char>& data,
-                                      std::vector<Listener>& toNotify) {
+                                      std::vector<PropertyListener>& toNotify) {
     if (const auto device = objects_.devices.find(object); device != objects_.devices.end()) {
         if (address.mSelector != kAudioDevicePropertyNominalSampleRate)
             return kAudioHardwareIllegalOperationError;
@@ -250,7 +249,7 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
         if (setup.nominalRate != rate) {
             setup.nominalRate = rate;
             moveStreamsToRate(device->second, rate);
-            toNotify = listenersFor(object, kAudioDevicePropertyNominalSampleRate);
+            toNotify = listeners_.matching(object, kAudioDevicePropertyNominalSampleRate);
         }
         return kNoErr;
     }
@@ -272,7 +271,7 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
 OSStatus SimAudioHardware::setPropertyData(AudioObjectID object,
                                            const AudioObjectPropertyAddress& address,
                                            std::uint32_t size, const void* data) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     Write write{object, address, {}, kNoErr};
     std::function<void(const Write&)> observer;
     {
@@ -308,8 +307,7 @@ OSStatus SimAudioHardware::addPropertyListener(AudioObjectID object,
     if (auto status = injectedStatus(Operation::addListener, object, address.mSelector))
         return *status;
     if (!objects_.contains(object)) return kAudioHardwareBadObjectError;
-    outListener = nextListenerID_++;
-    listeners_[outListener] = Listener{object, address, std::move(listener)};
+    outListener = listeners_.add(object, address, std::move(listener));
     return kNoErr;
 }
 
@@ -319,28 +317,13 @@ OSStatus SimAudioHardware::removePropertyListener(AudioObjectID object,
     std::lock_guard lock(mutex_);
     if (auto status = injectedStatus(Operation::removeListener, object, address.mSelector))
         return *status;
-    const auto found = listeners_.find(listener);
-    if (found == listeners_.end() || found->second.object != object ||
-        !(found->second.address == address))
-        return kAudioHardwareIllegalOperationError;
-    listeners_.erase(found);
-    return kNoErr;
+    return listeners_.remove(object, address, listener);
 }
 
-std::vector<SimAudioHardware::Listener> SimAudioHardware::listenersFor(
-    AudioObjectID object, std::uint32_t selector) const {
-    std::vector<Listener> matching;
-    for (const auto& [id, listener] : listeners_) {
-        if (listener.object == object && listener.address.mSelector == selector)
-            matching.push_back(listener);
-    }
-    return matching;
-}
-
-void SimAudioHardware::notify(const std::vector<Listener>& listeners) {
+void SimAudioHardware::notify(const std::vector<PropertyListener>& listeners) {
     // Delivered like blocks on the main dispatch queue: later, on the main thread.
-    for (const Listener& listener : listeners)
-        executor_->post(listener.callback);
+    for (const PropertyListener& listener : listeners)
+        executor_->post(listener);
 }
 
 }  // namespace corvanel

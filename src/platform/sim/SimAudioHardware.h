@@ -19,6 +19,7 @@
 #include "platform/AudioHardware.h"
 #include "platform/AudioObjectTable.h"
 #include "platform/MainExecutor.h"
+#include "platform/PropertyListeners.h"
 
 namespace corvanel {
 
@@ -105,28 +106,21 @@ class SimAudioHardware final : public AudioHardware {
                                     PropertyListenerID listener) override;
 
   private:
-    struct Listener {
-        AudioObjectID object;
-        AudioObjectPropertyAddress address;
-        PropertyListener callback;
-    };
-
     // The status an injected failure gives this call, consuming one of its times.
     std::optional<OSStatus> injectedStatus(Operation operation, AudioObjectID object,
                                            std::uint32_t selector);
     OSStatus applyWrite(AudioObjectID object, const AudioObjectPropertyAddress& address,
-                        const std::vector<unsigned char>& data, std::vector<Listener>& toNotify);
-    std::vector<Listener> listenersFor(AudioObjectID object, std::uint32_t selector) const;
+                        const std::vector<unsigned char>& data,
+                        std::vector<PropertyListener>& toNotify);
     // Like hardware, streams follow a new nominal rate: they keep their bits when offered there.
     void moveStreamsToRate(const AudioObjectTable::Device& device, double rate);
-    void notify(const std::vector<Listener>& listeners);
+    void notify(const std::vector<PropertyListener>& listeners);
 
     std::shared_ptr<MainExecutor> executor_;
     mutable std::mutex mutex_;
     AudioObjectID nextObjectID_ = 100;
     AudioObjectTable objects_;
-    std::map<PropertyListenerID, Listener> listeners_;
-    PropertyListenerID nextListenerID_ = 1;
+    PropertyListeners listeners_;
     std::vector<Failure> failures_;
     std::map<std::pair<AudioObjectID, std::uint32_t>, std::uint32_t> reportedSizes_;
     std::vector<Write> writes_;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 namespace corvanel::pipewire {
 namespace {
@@ -72,10 +73,8 @@ void PipeWireAudioHardware::graphChanged() {
         const std::lock_guard lock(mutex_);
         const Reported now = reported();
         const auto notify = [this, &toCall](AudioObjectID object, std::uint32_t selector) {
-            for (const auto& [id, listener] : listeners_) {
-                if (listener.object == object && listener.address.mSelector == selector)
-                    toCall.push_back(listener.callback);
-            }
+            const std::vector<PropertyListener> found = listeners_.matching(object, selector);
+            toCall.insert(toCall.end(), found.begin(), found.end());
         };
         if (now.defaultDevice != reported_.defaultDevice)
             notify(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice);
@@ -163,8 +162,7 @@ OSStatus PipeWireAudioHardware::addPropertyListener(AudioObjectID object,
                                                     PropertyListenerID& outListener) {
     const std::lock_guard lock(mutex_);
     if (!objects().contains(object)) return kAudioHardwareBadObjectError;
-    outListener = nextListenerID_++;
-    listeners_[outListener] = Listener{object, address, std::move(listener)};
+    outListener = listeners_.add(object, address, std::move(listener));
     return kNoErr;
 }
 
@@ -172,12 +170,7 @@ OSStatus PipeWireAudioHardware::removePropertyListener(AudioObjectID object,
                                                        const AudioObjectPropertyAddress& address,
                                                        PropertyListenerID listener) {
     const std::lock_guard lock(mutex_);
-    const auto found = listeners_.find(listener);
-    if (found == listeners_.end() || found->second.object != object ||
-        !(found->second.address == address))
-        return kAudioHardwareIllegalOperationError;
-    listeners_.erase(found);
-    return kNoErr;
+    return listeners_.remove(object, address, listener);
 }
 
 }  // namespace corvanel::pipewire

@@ -17,11 +17,11 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <vector>
 
 #include "platform/AudioHardware.h"
 #include "platform/AudioObjectTable.h"
 #include "platform/MainExecutor.h"
+#include "platform/PropertyListeners.h"
 #include "platform/linux/pipewire/PipeWireGraph.h"
 #include "platform/linux/pipewire/SinkDevices.h"
 
@@ -59,11 +59,6 @@ class PipeWireAudioHardware final : public AudioHardware,
                           std::shared_ptr<MainExecutor> executor);
 
   private:
-    struct Listener {
-        AudioObjectID object;
-        AudioObjectPropertyAddress address;
-        PropertyListener callback;
-    };
     // What listeners were last told: the default device and each device's nominal rate.
     struct Reported {
         AudioObjectID defaultDevice = kAudioObjectUnknown;
@@ -85,8 +80,7 @@ class PipeWireAudioHardware final : public AudioHardware,
     std::shared_ptr<const GraphSnapshot> tableSource_;
     AudioObjectTable table_;
     Reported reported_;
-    std::map<PropertyListenerID, Listener> listeners_;
-    PropertyListenerID nextListenerID_ = 1;
+    PropertyListeners listeners_;
     // The clock.force-rate found before the first write, and the rate last written.
     std::optional<std::uint32_t> forcedRateBefore_;
     std::uint32_t forcedRateWritten_ = 0;
