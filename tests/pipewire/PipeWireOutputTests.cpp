@@ -5,6 +5,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
 #include <iterator>
 #include <set>
@@ -286,18 +287,36 @@ TEST_F(PipeWireTest, AStoppedDaemonFailsTheConnectionAtItsDeadline) {
     EXPECT_LT(waited, 1000ms);
 }
 
-TEST(PipeWireWithoutDaemon, TheConnectionFailsAtOnceWithAPlainMessage) {
-    const std::filesystem::path empty = makePrivateDirectory("corvanel-no-pipewire-");
-    ASSERT_FALSE(empty.empty());
-    setenv("PIPEWIRE_RUNTIME_DIR", empty.c_str(), 1);
-    setenv("PIPEWIRE_REMOTE", "pipewire-0", 1);
+// Points this process's PipeWire clients at an empty runtime directory while it lives.
+class NoDaemonAround {
+  public:
+    NoDaemonAround() : directory_(makePrivateDirectory("corvanel-no-pipewire-")) {
+        for (const char* name : {"PIPEWIRE_RUNTIME_DIR", "PIPEWIRE_REMOTE"}) {
+            if (const char* value = std::getenv(name)) previous_.emplace_back(name, value);
+        }
+        setenv("PIPEWIRE_RUNTIME_DIR", directory_.c_str(), 1);
+        setenv("PIPEWIRE_REMOTE", "pipewire-0", 1);
+    }
+    ~NoDaemonAround() {
+        unsetenv("PIPEWIRE_RUNTIME_DIR");
+        unsetenv("PIPEWIRE_REMOTE");
+        for (const auto& [name, value] : previous_)
+            setenv(name.c_str(), value.c_str(), 1);
+        std::filesystem::remove_all(directory_);
+    }
+    NoDaemonAround(const NoDaemonAround&) = delete;
+    NoDaemonAround& operator=(const NoDaemonAround&) = delete;
 
+  private:
+    std::filesystem::path directory_;
+    std::vector<std::pair<std::string, std::string>> previous_;
+};
+
+TEST(PipeWireWithoutDaemon, TheConnectionFailsAtOnceWithAPlainMessage) {
+    const NoDaemonAround noDaemon;
     const auto started = Clock::now();
     auto result = connectPipeWireOutput(std::make_shared<VirtualTimeExecutor>(), 2000ms);
     const auto waited = since(started);
-    unsetenv("PIPEWIRE_RUNTIME_DIR");
-    unsetenv("PIPEWIRE_REMOTE");
-    std::filesystem::remove_all(empty);
 
     ASSERT_TRUE(std::holds_alternative<std::string>(result));
     EXPECT_EQ(std::get<std::string>(result), "PipeWire is not running");

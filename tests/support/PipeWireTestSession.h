@@ -1,7 +1,8 @@
 #pragma once
 // A private PipeWire session for one test: its own session bus, a PipeWire daemon and
 // WirePlumber under a private runtime directory, with two sinks that behave like DACs (ALSA sinks
-// on alsa-lib's "null" device: S16 to S32, F32 and F64 at any rate; they stay open when idle).
+// on alsa-lib's "null" device: S16 to S32, F32 and F64 at any rate; asleep until something
+// first plays, then open even when idle).
 // No real-time module, no device monitors, nothing from the user's own configuration. While it
 // lives, this process's PipeWire clients connect to it; everything is stopped by process id when
 // it goes.

@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <climits>
-#include <cstring>
 #include <string_view>
 #include <utility>
 #include <vector>
