@@ -31,6 +31,15 @@ constexpr std::uint32_t kAudioStreamPropertyPhysicalFormat = fourCC("pft ");
 constexpr std::uint32_t kAudioTapPropertyFormat = fourCC("tfmt");
 constexpr std::uint32_t kAudioTapPropertyUID = fourCC("tuid");
 
+// Statuses the platform returns, by their four-character codes.
+constexpr OSStatus kAudioHardwareNotRunningError = static_cast<OSStatus>(fourCC("stop"));
+constexpr OSStatus kAudioHardwareUnknownPropertyError = static_cast<OSStatus>(fourCC("who?"));
+constexpr OSStatus kAudioHardwareBadObjectError = static_cast<OSStatus>(fourCC("!obj"));
+constexpr OSStatus kAudioHardwareBadPropertySizeError = static_cast<OSStatus>(fourCC("!siz"));
+constexpr OSStatus kAudioHardwareIllegalOperationError = static_cast<OSStatus>(fourCC("nope"));
+constexpr OSStatus kAudioHardwareUnsupportedOperationError = static_cast<OSStatus>(fourCC("unop"));
+constexpr OSStatus kAudioDeviceUnsupportedFormatError = static_cast<OSStatus>(fourCC("!dat"));
+
 constexpr std::uint32_t kAudioObjectPropertyScopeGlobal = fourCC("glob");
 constexpr std::uint32_t kAudioObjectPropertyScopeOutput = fourCC("outp");
 constexpr std::uint32_t kAudioObjectPropertyElementMain = 0;

@@ -1,9 +1,5 @@
 #include "DBusTestBus.h"
 
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
-
 #include <chrono>
 #include <fstream>
 #include <thread>
@@ -12,23 +8,6 @@
 #include "ChildProcess.h"
 
 namespace corvanel::testing {
-
-namespace {
-
-bool acceptsConnections(const std::filesystem::path& socketPath) {
-    const int descriptor = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (descriptor < 0) return false;
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = socketPath.string();
-    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
-    const bool connected =
-        connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    close(descriptor);
-    return connected;
-}
-
-}  // namespace
 
 DBusTestBus::DBusTestBus() {
     directory_ = makePrivateDirectory("corvanel-bus-");

@@ -9,20 +9,6 @@ namespace corvanel {
 namespace {
 
 template <typename Value>
-std::vector<unsigned char> bytesOf(const Value& value) {
-    std::vector<unsigned char> bytes(sizeof(Value));
-    std::memcpy(bytes.data(), &value, sizeof(Value));
-    return bytes;
-}
-
-template <typename Element>
-std::vector<unsigned char> bytesOf(const std::vector<Element>& elements) {
-    std::vector<unsigned char> bytes(elements.size() * sizeof(Element));
-    if (!bytes.empty()) std::memcpy(bytes.data(), elements.data(), bytes.size());
-    return bytes;
-}
-
-template <typename Value>
 Value valueOf(const std::vector<unsigned char>& bytes) {
     Value value{};
     if (bytes.size() == sizeof(Value)) std::memcpy(&value, bytes.data(), sizeof(Value));
@@ -80,59 +66,51 @@ AudioStreamRangedDescription SimAudioHardware::linearPCM(double rate, std::uint3
 AudioObjectID SimAudioHardware::addDevice(DeviceSpec setup) {
     std::lock_guard lock(mutex_);
     const AudioObjectID id = nextObjectID_++;
-    Device device;
-    for (StreamSpec& stream : setup.outputStreams) {
-        const AudioObjectID streamID = nextObjectID_++;
-        device.streamIDs.push_back(streamID);
-        streams_[streamID] = Stream{id, std::move(stream)};
-    }
-    setup.outputStreams.clear();
-    device.setup = std::move(setup);
-    devices_[id] = std::move(device);
+    std::vector<AudioObjectID> streamIDs;
+    for (std::size_t stream = 0; stream < setup.outputStreams.size(); ++stream)
+        streamIDs.push_back(nextObjectID_++);
+    objects_.addDevice(id, std::move(setup), streamIDs);
     return id;
 }
 
 void SimAudioHardware::removeDevice(AudioObjectID device) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     {
         std::lock_guard lock(mutex_);
-        const auto found = devices_.find(device);
-        if (found == devices_.end()) return;
-        for (const AudioObjectID stream : found->second.streamIDs)
-            streams_.erase(stream);
-        devices_.erase(found);
-        std::erase_if(listeners_,
-                      [device](const auto& entry) { return entry.second.object == device; });
-        if (defaultDevice_ == device) {
-            defaultDevice_ = devices_.empty() ? kAudioObjectUnknown : devices_.begin()->first;
-            toNotify =
-                listenersFor(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice);
+        if (!objects_.devices.contains(device)) return;
+        objects_.removeDevice(device);
+        listeners_.removeAll(device);
+        if (objects_.defaultOutputDevice == device) {
+            objects_.defaultOutputDevice =
+                objects_.devices.empty() ? kAudioObjectUnknown : objects_.devices.begin()->first;
+            toNotify = listeners_.matching(kAudioObjectSystemObject,
+                                           kAudioHardwarePropertyDefaultOutputDevice);
         }
     }
     notify(toNotify);
 }
 
 void SimAudioHardware::setDefaultOutputDevice(AudioObjectID device) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     {
         std::lock_guard lock(mutex_);
-        if (defaultDevice_ == device) return;
-        defaultDevice_ = device;
-        toNotify =
-            listenersFor(kAudioObjectSystemObject, kAudioHardwarePropertyDefaultOutputDevice);
+        if (objects_.defaultOutputDevice == device) return;
+        objects_.defaultOutputDevice = device;
+        toNotify = listeners_.matching(kAudioObjectSystemObject,
+                                       kAudioHardwarePropertyDefaultOutputDevice);
     }
     notify(toNotify);
 }
 
 void SimAudioHardware::changeNominalRateExternally(AudioObjectID device, double rate) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     {
         std::lock_guard lock(mutex_);
-        const auto found = devices_.find(device);
-        if (found == devices_.end()) return;
+        const auto found = objects_.devices.find(device);
+        if (found == objects_.devices.end()) return;
         found->second.setup.nominalRate = rate;
         moveStreamsToRate(found->second, rate);
-        toNotify = listenersFor(device, kAudioDevicePropertyNominalSampleRate);
+        toNotify = listeners_.matching(device, kAudioDevicePropertyNominalSampleRate);
     }
     notify(toNotify);
 }
@@ -140,14 +118,15 @@ void SimAudioHardware::changeNominalRateExternally(AudioObjectID device, double 
 void SimAudioHardware::setPhysicalFormat(AudioObjectID stream,
                                          const AudioStreamBasicDescription& format) {
     std::lock_guard lock(mutex_);
-    if (const auto found = streams_.find(stream); found != streams_.end())
+    if (const auto found = objects_.streams.find(stream); found != objects_.streams.end())
         found->second.setup.physicalFormat = format;
 }
 
-void SimAudioHardware::moveStreamsToRate(const Device& device, double rate) {
+void SimAudioHardware::moveStreamsToRate(const AudioObjectTable::Device& device, double rate) {
     for (const AudioObjectID id : device.streamIDs) {
-        StreamSpec& stream = streams_[id].setup;
-        AudioStreamBasicDescription wanted = stream.physicalFormat;
+        StreamSpec& stream = objects_.streams[id].setup;
+        AudioStreamBasicDescription wanted =
+            stream.physicalFormat.value_or(AudioStreamBasicDescription{});
         wanted.mSampleRate = rate;
         if (offersFormat(stream.availableFormats, wanted)) {
             stream.physicalFormat = wanted;
@@ -189,26 +168,27 @@ void SimAudioHardware::setWriteObserver(std::function<void(const Write&)> observ
 
 AudioObjectID SimAudioHardware::defaultOutputDevice() const {
     std::lock_guard lock(mutex_);
-    return defaultDevice_;
+    return objects_.defaultOutputDevice;
 }
 
 double SimAudioHardware::nominalRate(AudioObjectID device) const {
     std::lock_guard lock(mutex_);
-    const auto found = devices_.find(device);
-    return found == devices_.end() ? 0 : found->second.setup.nominalRate;
+    const auto found = objects_.devices.find(device);
+    return found == objects_.devices.end() ? 0 : found->second.setup.nominalRate;
 }
 
 std::vector<AudioObjectID> SimAudioHardware::streams(AudioObjectID device) const {
     std::lock_guard lock(mutex_);
-    const auto found = devices_.find(device);
-    return found == devices_.end() ? std::vector<AudioObjectID>{} : found->second.streamIDs;
+    const auto found = objects_.devices.find(device);
+    return found == objects_.devices.end() ? std::vector<AudioObjectID>{} : found->second.streamIDs;
 }
 
 AudioStreamBasicDescription SimAudioHardware::physicalFormat(AudioObjectID stream) const {
     std::lock_guard lock(mutex_);
-    const auto found = streams_.find(stream);
-    return found == streams_.end() ? AudioStreamBasicDescription{}
-                                   : found->second.setup.physicalFormat;
+    const auto found = objects_.streams.find(stream);
+    return found == objects_.streams.end()
+               ? AudioStreamBasicDescription{}
+               : found->second.setup.physicalFormat.value_or(AudioStreamBasicDescription{});
 }
 
 std::vector<SimAudioHardware::Write> SimAudioHardware::writes() const {
@@ -218,7 +198,7 @@ std::vector<SimAudioHardware::Write> SimAudioHardware::writes() const {
 
 std::size_t SimAudioHardware::listenerCount(AudioObjectID object, std::uint32_t selector) const {
     std::lock_guard lock(mutex_);
-    return listenersFor(object, selector).size();
+    return listeners_.matching(object, selector).size();
 }
 
 std::optional<OSStatus> SimAudioHardware::injectedStatus(Operation operation, AudioObjectID object,
@@ -234,59 +214,16 @@ std::optional<OSStatus> SimAudioHardware::injectedStatus(Operation operation, Au
     return std::nullopt;
 }
 
-OSStatus SimAudioHardware::propertyBytes(AudioObjectID object,
-                                         const AudioObjectPropertyAddress& address,
-                                         std::vector<unsigned char>& out) const {
-    const std::uint32_t selector = address.mSelector;
-    if (object == kAudioObjectSystemObject) {
-        if (selector != kAudioHardwarePropertyDefaultOutputDevice)
-            return kAudioHardwareUnknownPropertyError;
-        out = bytesOf(defaultDevice_);
-        return kNoErr;
-    }
-    if (const auto device = devices_.find(object); device != devices_.end()) {
-        const DeviceSpec& setup = device->second.setup;
-        if (selector == kAudioDevicePropertyNominalSampleRate) {
-            out = bytesOf(setup.nominalRate);
-        } else if (selector == kAudioDevicePropertyAvailableNominalSampleRates) {
-            out = bytesOf(setup.availableRates);
-        } else if (selector == kAudioDevicePropertyStreams) {
-            // Only output streams are simulated; other scopes have none.
-            out = address.mScope == kAudioObjectPropertyScopeOutput
-                      ? bytesOf(device->second.streamIDs)
-                      : std::vector<unsigned char>{};
-        } else if (selector == kAudioObjectPropertyName ||
-                   selector == kAudioDevicePropertyDeviceUID) {
-            out = bytesOf(std::uintptr_t{0});  // a string reference; read it with getPropertyString
-        } else {
-            return kAudioHardwareUnknownPropertyError;
-        }
-        return kNoErr;
-    }
-    if (const auto stream = streams_.find(object); stream != streams_.end()) {
-        if (selector == kAudioStreamPropertyAvailablePhysicalFormats) {
-            out = bytesOf(stream->second.setup.availableFormats);
-        } else if (selector == kAudioStreamPropertyPhysicalFormat) {
-            out = bytesOf(stream->second.setup.physicalFormat);
-        } else {
-            return kAudioHardwareUnknownPropertyError;
-        }
-        return kNoErr;
-    }
-    return kAudioHardwareBadObjectError;
-}
-
 OSStatus SimAudioHardware::getPropertyDataSize(AudioObjectID object,
                                                const AudioObjectPropertyAddress& address,
                                                std::uint32_t& outSize) {
     std::lock_guard lock(mutex_);
     if (auto status = injectedStatus(Operation::getSize, object, address.mSelector)) return *status;
-    std::vector<unsigned char> bytes;
-    if (const OSStatus status = propertyBytes(object, address, bytes); status != kNoErr)
+    if (const OSStatus status = objects_.propertySize(object, address, outSize); status != kNoErr)
         return status;
-    const auto overridden = reportedSizes_.find({object, address.mSelector});
-    outSize = overridden != reportedSizes_.end() ? overridden->second
-                                                 : static_cast<std::uint32_t>(bytes.size());
+    if (const auto overridden = reportedSizes_.find({object, address.mSelector});
+        overridden != reportedSizes_.end())
+        outSize = overridden->second;
     return kNoErr;
 }
 
@@ -295,29 +232,14 @@ OSStatus SimAudioHardware::getPropertyData(AudioObjectID object,
                                            std::uint32_t& ioSize, void* outData) {
     std::lock_guard lock(mutex_);
     if (auto status = injectedStatus(Operation::getData, object, address.mSelector)) return *status;
-    std::vector<unsigned char> bytes;
-    if (const OSStatus status = propertyBytes(object, address, bytes); status != kNoErr)
-        return status;
-    const bool isArray = address.mSelector == kAudioDevicePropertyAvailableNominalSampleRates ||
-                         address.mSelector == kAudioDevicePropertyStreams ||
-                         address.mSelector == kAudioStreamPropertyAvailablePhysicalFormats;
-    if (!isArray) {
-        // A single value needs room for all of it.
-        if (ioSize < bytes.size()) return kAudioHardwareBadPropertySizeError;
-        ioSize = static_cast<std::uint32_t>(bytes.size());
-    } else {
-        // An array fills what fits; the size says how much was written.
-        ioSize = std::min(ioSize, static_cast<std::uint32_t>(bytes.size()));
-    }
-    if (ioSize > 0) std::memcpy(outData, bytes.data(), ioSize);
-    return kNoErr;
+    return objects_.readProperty(object, address, ioSize, outData);
 }
 
 OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
                                       const AudioObjectPropertyAddress& address,
                                       const std::vector<unsigned char>& data,
-                                      std::vector<Listener>& toNotify) {
-    if (const auto device = devices_.find(object); device != devices_.end()) {
+                                      std::vector<PropertyListener>& toNotify) {
+    if (const auto device = objects_.devices.find(object); device != objects_.devices.end()) {
         if (address.mSelector != kAudioDevicePropertyNominalSampleRate)
             return kAudioHardwareIllegalOperationError;
         if (data.size() != sizeof(double)) return kAudioHardwareBadPropertySizeError;
@@ -327,11 +249,11 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
         if (setup.nominalRate != rate) {
             setup.nominalRate = rate;
             moveStreamsToRate(device->second, rate);
-            toNotify = listenersFor(object, kAudioDevicePropertyNominalSampleRate);
+            toNotify = listeners_.matching(object, kAudioDevicePropertyNominalSampleRate);
         }
         return kNoErr;
     }
-    if (const auto stream = streams_.find(object); stream != streams_.end()) {
+    if (const auto stream = objects_.streams.find(object); stream != objects_.streams.end()) {
         if (address.mSelector != kAudioStreamPropertyPhysicalFormat)
             return kAudioHardwareIllegalOperationError;
         if (data.size() != sizeof(AudioStreamBasicDescription))
@@ -349,7 +271,7 @@ OSStatus SimAudioHardware::applyWrite(AudioObjectID object,
 OSStatus SimAudioHardware::setPropertyData(AudioObjectID object,
                                            const AudioObjectPropertyAddress& address,
                                            std::uint32_t size, const void* data) {
-    std::vector<Listener> toNotify;
+    std::vector<PropertyListener> toNotify;
     Write write{object, address, {}, kNoErr};
     std::function<void(const Write&)> observer;
     {
@@ -374,16 +296,7 @@ OSStatus SimAudioHardware::getPropertyString(AudioObjectID object,
     std::lock_guard lock(mutex_);
     if (auto status = injectedStatus(Operation::getString, object, address.mSelector))
         return *status;
-    const auto device = devices_.find(object);
-    if (device == devices_.end()) return kAudioHardwareBadObjectError;
-    if (address.mSelector == kAudioObjectPropertyName) {
-        outText = device->second.setup.name;
-    } else if (address.mSelector == kAudioDevicePropertyDeviceUID) {
-        outText = device->second.setup.uid;
-    } else {
-        return kAudioHardwareUnknownPropertyError;
-    }
-    return kNoErr;
+    return objects_.readText(object, address, outText);
 }
 
 OSStatus SimAudioHardware::addPropertyListener(AudioObjectID object,
@@ -393,11 +306,8 @@ OSStatus SimAudioHardware::addPropertyListener(AudioObjectID object,
     std::lock_guard lock(mutex_);
     if (auto status = injectedStatus(Operation::addListener, object, address.mSelector))
         return *status;
-    if (object != kAudioObjectSystemObject && !devices_.contains(object) &&
-        !streams_.contains(object))
-        return kAudioHardwareBadObjectError;
-    outListener = nextListenerID_++;
-    listeners_[outListener] = Listener{object, address, std::move(listener)};
+    if (!objects_.contains(object)) return kAudioHardwareBadObjectError;
+    outListener = listeners_.add(object, address, std::move(listener));
     return kNoErr;
 }
 
@@ -407,28 +317,13 @@ OSStatus SimAudioHardware::removePropertyListener(AudioObjectID object,
     std::lock_guard lock(mutex_);
     if (auto status = injectedStatus(Operation::removeListener, object, address.mSelector))
         return *status;
-    const auto found = listeners_.find(listener);
-    if (found == listeners_.end() || found->second.object != object ||
-        !(found->second.address == address))
-        return kAudioHardwareIllegalOperationError;
-    listeners_.erase(found);
-    return kNoErr;
+    return listeners_.remove(object, address, listener);
 }
 
-std::vector<SimAudioHardware::Listener> SimAudioHardware::listenersFor(
-    AudioObjectID object, std::uint32_t selector) const {
-    std::vector<Listener> matching;
-    for (const auto& [id, listener] : listeners_) {
-        if (listener.object == object && listener.address.mSelector == selector)
-            matching.push_back(listener);
-    }
-    return matching;
-}
-
-void SimAudioHardware::notify(const std::vector<Listener>& listeners) {
+void SimAudioHardware::notify(const std::vector<PropertyListener>& listeners) {
     // Delivered like blocks on the main dispatch queue: later, on the main thread.
-    for (const Listener& listener : listeners)
-        executor_->post(listener.callback);
+    for (const PropertyListener& listener : listeners)
+        executor_->post(listener);
 }
 
 }  // namespace corvanel

@@ -17,34 +17,16 @@
 #include <vector>
 
 #include "platform/AudioHardware.h"
+#include "platform/AudioObjectTable.h"
 #include "platform/MainExecutor.h"
+#include "platform/PropertyListeners.h"
 
 namespace corvanel {
 
-// Statuses the platform returns, by their four-character codes.
-inline constexpr OSStatus kAudioHardwareUnknownPropertyError =
-    static_cast<OSStatus>(fourCC("who?"));
-inline constexpr OSStatus kAudioHardwareBadObjectError = static_cast<OSStatus>(fourCC("!obj"));
-inline constexpr OSStatus kAudioHardwareBadPropertySizeError =
-    static_cast<OSStatus>(fourCC("!siz"));
-inline constexpr OSStatus kAudioHardwareIllegalOperationError =
-    static_cast<OSStatus>(fourCC("nope"));
-inline constexpr OSStatus kAudioDeviceUnsupportedFormatError =
-    static_cast<OSStatus>(fourCC("!dat"));
-
 class SimAudioHardware final : public AudioHardware {
   public:
-    struct StreamSpec {
-        std::vector<AudioStreamRangedDescription> availableFormats;  // in the device's order
-        AudioStreamBasicDescription physicalFormat;                  // the current one
-    };
-    struct DeviceSpec {
-        std::string name;
-        std::string uid;
-        double nominalRate = 48000;
-        std::vector<AudioValueRange> availableRates;  // discrete (min == max) or ranged
-        std::vector<StreamSpec> outputStreams;
-    };
+    using StreamSpec = AudioObjectTable::StreamSpec;
+    using DeviceSpec = AudioObjectTable::DeviceSpec;
 
     enum class Operation { getSize, getData, setData, getString, addListener, removeListener };
 
@@ -124,41 +106,21 @@ class SimAudioHardware final : public AudioHardware {
                                     PropertyListenerID listener) override;
 
   private:
-    struct Device {
-        DeviceSpec setup;
-        std::vector<AudioObjectID> streamIDs;
-    };
-    struct Stream {
-        AudioObjectID device = 0;
-        StreamSpec setup;
-    };
-    struct Listener {
-        AudioObjectID object;
-        AudioObjectPropertyAddress address;
-        PropertyListener callback;
-    };
-
     // The status an injected failure gives this call, consuming one of its times.
     std::optional<OSStatus> injectedStatus(Operation operation, AudioObjectID object,
                                            std::uint32_t selector);
-    // The property's bytes as the platform would hand them out, or the error status.
-    OSStatus propertyBytes(AudioObjectID object, const AudioObjectPropertyAddress& address,
-                           std::vector<unsigned char>& out) const;
     OSStatus applyWrite(AudioObjectID object, const AudioObjectPropertyAddress& address,
-                        const std::vector<unsigned char>& data, std::vector<Listener>& toNotify);
-    std::vector<Listener> listenersFor(AudioObjectID object, std::uint32_t selector) const;
+                        const std::vector<unsigned char>& data,
+                        std::vector<PropertyListener>& toNotify);
     // Like hardware, streams follow a new nominal rate: they keep their bits when offered there.
-    void moveStreamsToRate(const Device& device, double rate);
-    void notify(const std::vector<Listener>& listeners);
+    void moveStreamsToRate(const AudioObjectTable::Device& device, double rate);
+    void notify(const std::vector<PropertyListener>& listeners);
 
     std::shared_ptr<MainExecutor> executor_;
     mutable std::mutex mutex_;
     AudioObjectID nextObjectID_ = 100;
-    AudioObjectID defaultDevice_ = kAudioObjectUnknown;
-    std::map<AudioObjectID, Device> devices_;
-    std::map<AudioObjectID, Stream> streams_;
-    std::map<PropertyListenerID, Listener> listeners_;
-    PropertyListenerID nextListenerID_ = 1;
+    AudioObjectTable objects_;
+    PropertyListeners listeners_;
     std::vector<Failure> failures_;
     std::map<std::pair<AudioObjectID, std::uint32_t>, std::uint32_t> reportedSizes_;
     std::vector<Write> writes_;
