@@ -52,7 +52,7 @@ std::variant<AppOptions, ProgramInformation, QString> parseOptions(const QString
     const QCommandLineOption version({"v", "version"}, "Print the version and exit.");
     const QCommandLineOption demo("demo", "Run with a simulated Music app and DAC.");
     const QCommandLineOption headless(
-        "headless", "Run the demo without windows for --duration seconds, printing the activity.");
+        "headless", "Run without windows for --duration seconds, printing the activity.");
     const QCommandLineOption duration("duration", "Seconds a headless run lasts (default 20).",
                                       "seconds", "20");
     const QCommandLineOption snapshots("snapshots", "Write PNG snapshots into this folder.",

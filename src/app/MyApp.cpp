@@ -28,7 +28,8 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
 #endif
 
     environment_.engine = SwitcherEngine::create(ports);
-    if (composition_.settingsNotice) environment_.engine->logLine(*composition_.settingsNotice);
+    for (const std::string& notice : composition_.notices)
+        environment_.engine->logLine(notice);
     environment_.executor = ports.executor;
     environment_.settings = ports.settings;
     environment_.workspace = ports.workspace;

@@ -16,6 +16,7 @@
 #include "platform/sim/SimLoginItems.h"
 #include "platform/sim/SimProcessTapHost.h"
 #if defined(__linux__)
+#include "app/linux/LinuxPlatformPorts.h"
 #include "app/linux/StatusNotifierItem.h"
 #include "platform/linux/PulseCaptureHost.h"
 #include "platform/qt/DesktopEntries.h"
@@ -105,7 +106,7 @@ std::optional<std::string> refreshLoginItem() {
 }
 
 bool hasNativePlatform() {
-#if defined(__APPLE__)
+#if defined(__APPLE__) || defined(__linux__)
     return true;
 #else
     return false;
@@ -124,7 +125,7 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     ports.executor = executor;
     auto settings = options.settingsFile ? std::make_shared<QtSettingsStore>(*options.settingsFile)
                                          : std::make_shared<QtSettingsStore>();
-    composition.settingsNotice = settings->startupNotice();
+    if (auto notice = settings->startupNotice()) composition.notices.push_back(*notice);
     ports.settings = std::move(settings);
     composition.singleInstance = !options.headless;
     ports.workspace = std::make_shared<LocalWorkspace>(LocalWorkspace::defaultSocketPath(),
@@ -153,6 +154,25 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
     }
     if (!options.demo) {
         composition.ports = makeMacPlatformPorts(executor, ports.settings, ports.timeOfDay);
+        return composition;
+    }
+#endif
+#if defined(__linux__)
+    if (!options.demo) {
+        // Outside the demo the meters show what the default sink plays, unless a file was asked
+        // for.
+        auto chosen = std::get<std::shared_ptr<ProcessTapHost>>(std::move(taps));
+        if (options.audio == AudioSourceChoice::synthesizer)
+            chosen = std::make_shared<PulseCaptureHost>();
+        LinuxPlatformPorts native = makeLinuxPlatformPorts(executor, std::move(chosen));
+        native.ports.settings = ports.settings;
+        native.ports.workspace = ports.workspace;
+        native.ports.timeOfDay = ports.timeOfDay;
+        native.ports.loginItems = std::make_shared<XdgAutostart>(XdgAutostart::forCurrentUser());
+        composition.ports = std::move(native.ports);
+        composition.privacyNote = native.privacyNote;
+        composition.notices.insert(composition.notices.end(), native.notices.begin(),
+                                   native.notices.end());
         return composition;
     }
 #endif

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "app/AppEnvironment.h"
 #include "app/AppOptions.h"
@@ -41,9 +42,9 @@ struct Composition {
     SoundSettingsApp soundSettings;
     // Copies a user starts keep to one; a headless diagnostic run leaves the running copy alone.
     bool singleInstance = true;
-    // What the user is told once in the activity log about the settings file, when it could
-    // not be read.
-    std::optional<std::string> settingsNotice;
+    // What the user is told once in the activity log at start: a settings file that could not
+    // be read, a sound server or bus that could not be reached.
+    std::vector<std::string> notices;
 };
 
 // Demo mode's tracks last this long (the playlist repeats).
@@ -62,8 +63,8 @@ std::variant<Composition, std::string> composePlatform(const AppOptions& options
 // message says why it could not be; macOS keeps its login items itself.
 std::optional<std::string> refreshLoginItem();
 
-// Whether this platform has native adapters for the Music app and the hardware; without them
-// every run is a demo.
+// Whether this platform has native adapters for the player and the hardware; without them every
+// run is a demo.
 bool hasNativePlatform();
 
 }  // namespace corvanel
