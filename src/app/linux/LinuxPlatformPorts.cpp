@@ -11,13 +11,15 @@
 namespace corvanel {
 namespace {
 
-// The followed MPRIS player under the engine's port; a player's bus name standing in for its
-// name until its Identity arrives is not announced as a change of player.
+// The followed MPRIS player under the engine's port. A player is announced once its own name
+// (Identity) has arrived, not under the bus name that stands in for it until then.
 class MprisFollowedPlayer final : public FollowedPlayer {
   public:
     explicit MprisFollowedPlayer(std::shared_ptr<MprisPlayers> players)
-        : players_(std::move(players)), announced_(players_->followedIdentity()) {
+        : players_(std::move(players)), announced_(identity()) {
         relay_ = players_->followedChanged.connect([this] {
+            const MprisPlayer* followed = players_->followed();
+            if (followed && followed->identity.empty()) return;
             const std::optional<std::string> now = identity();
             if (now == announced_) return;
             announced_ = now;
