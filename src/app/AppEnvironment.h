@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/FollowedPlayer.h"
 #include "platform/MainExecutor.h"
 #include "platform/SettingsStore.h"
 #include "platform/Workspace.h"
@@ -39,6 +40,8 @@ struct AppEnvironment {
     QString privacyNote;
     // The system's own tool for the output device, offered in the popup's footer when present.
     SoundSettingsApp soundSettings;
+    // The player followed where players come and go (Linux); absent where it is the Music app.
+    std::shared_ptr<FollowedPlayer> player;
 };
 
 }  // namespace corvanel

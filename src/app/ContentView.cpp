@@ -83,6 +83,10 @@ ContentView::ContentView(AppEnvironment environment, QWidget* parent)
     stack->addWidget(makeManualRates());
     autoSwitch_ = makeToggle("Auto-switch sample rate", "autoSwitchToggle");
     pauseDuringSwitch_ = makeToggle("Pause Music while switching", "pauseToggle");
+    if (environment_.player) {
+        showFollowedPlayer();
+        playerChanged_ = environment_.player->changed.connect([this] { showFollowedPlayer(); });
+    }
     launchAtLogin_ = makeToggle("Launch at login", "launchAtLoginToggle");
     liveEQ_ = makeToggle("Live EQ in menu bar", "liveEQToggle");
     for (ToggleSwitch* toggle : {autoSwitch_, pauseDuringSwitch_, launchAtLogin_, liveEQ_})
@@ -217,6 +221,17 @@ QLabel* ContentView::makeMessage(const char* name, const QFont& font, const QCol
     label->setObjectName(name);
     label->setWordWrap(true);
     return label;
+}
+
+void ContentView::showFollowedPlayer() {
+    // Where any player may be followed, the toggle names the one it pauses; a name too long for
+    // the row is not shortened into something else.
+    constexpr std::size_t longestName = 24;
+    const std::optional<std::string> identity = environment_.player->identity();
+    const QString player = identity && identity->size() <= longestName
+                               ? QString::fromStdString(*identity)
+                               : QStringLiteral("the player");
+    pauseDuringSwitch_->setText(QStringLiteral("Pause %1 while switching").arg(player));
 }
 
 QWidget* ContentView::makeFooter() {

@@ -39,12 +39,14 @@ class ContentView final : public QWidget {
     QLabel* makeMessage(const char* name, const QFont& font, const QColor& color);
 
     void refresh();
+    void showFollowedPlayer();
     void refreshRateButtons();
     void setRate(double rate);
 
     AppEnvironment environment_;
     Connection engineChanged_;
     Connection spectrumChanged_;
+    Connection playerChanged_;
 
     StatusDot* autoSwitchDot_ = nullptr;
     ShrinkingLabel* detectedText_ = nullptr;

@@ -39,6 +39,7 @@ MyApp::MyApp(Composition composition) : composition_(std::move(composition)) {
     environment_.pointerPosition = [] { return QCursor::pos(); };
     environment_.privacyNote = composition_.privacyNote;
     environment_.soundSettings = composition_.soundSettings;
+    environment_.player = ports.player;
 
     popup_ = std::make_unique<PopupWindow>();
     content_ = new ContentView(environment_, popup_.get());

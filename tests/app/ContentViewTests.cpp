@@ -245,6 +245,34 @@ TEST_F(ContentViewTest, TheHeaderWaveformKeepsItsStrokesApartAtOnePixelPerPoint)
     EXPECT_GE(strokes, 5);
 }
 
+// Where players come and go (MPRIS on Linux), the pause toggle names the one it pauses.
+class PlayerOfTheMoment final : public FollowedPlayer {
+  public:
+    std::optional<std::string> identity() const override { return name; }
+    void follow(std::optional<std::string> next) {
+        name = std::move(next);
+        changed.emit();
+    }
+    std::optional<std::string> name;
+};
+
+TEST_F(ContentViewTest, ThePauseToggleNamesTheFollowedPlayerWhereThereAreMany) {
+    rig.start();
+    auto player = std::make_shared<PlayerOfTheMoment>();
+    AppEnvironment environment = rig.environment();
+    environment.player = player;
+    view = std::make_unique<ContentView>(environment);
+    const auto* toggle = view->findChild<ToggleSwitch*>("pauseToggle");
+    EXPECT_EQ(toggle->text(), "Pause the player while switching");
+    player->follow("Rhythmbox");
+    EXPECT_EQ(toggle->text(), "Pause Rhythmbox while switching");
+    player->follow(std::string(200, 'x'));
+    EXPECT_EQ(toggle->text(), "Pause the player while switching");
+
+    view = std::make_unique<ContentView>(rig.environment());
+    EXPECT_EQ(view->findChild<ToggleSwitch*>("pauseToggle")->text(), "Pause Music while switching");
+}
+
 TEST_F(ContentViewTest, FooterAndHeaderActions) {
     rig.workspace->hasApplications = true;
     open();
