@@ -13,6 +13,7 @@
 #include "app/ToggleSwitch.h"
 #include "demo/DemoPlaylist.h"
 #include "spectrum/SpectrumAnalyzer.h"
+#include "switching/ScriptedFollowedPlayer.h"
 
 namespace corvanel {
 namespace {
@@ -246,19 +247,9 @@ TEST_F(ContentViewTest, TheHeaderWaveformKeepsItsStrokesApartAtOnePixelPerPoint)
 }
 
 // Where players come and go (MPRIS on Linux), the pause toggle names the one it pauses.
-class PlayerOfTheMoment final : public FollowedPlayer {
-  public:
-    std::optional<std::string> identity() const override { return name; }
-    void follow(std::optional<std::string> next) {
-        name = std::move(next);
-        changed.emit();
-    }
-    std::optional<std::string> name;
-};
-
 TEST_F(ContentViewTest, ThePauseToggleNamesTheFollowedPlayerWhereThereAreMany) {
     rig.start();
-    auto player = std::make_shared<PlayerOfTheMoment>();
+    auto player = std::make_shared<testing::ScriptedFollowedPlayer>();
     AppEnvironment environment = rig.environment();
     environment.player = player;
     view = std::make_unique<ContentView>(environment);

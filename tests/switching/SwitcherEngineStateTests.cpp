@@ -1,6 +1,7 @@
 // The engine's construction, settings, login item and activity log.
 #include <gtest/gtest.h>
 
+#include "ScriptedFollowedPlayer.h"
 #include "SimulatedMac.h"
 #include "switching/SwitcherEngine.h"
 
@@ -164,19 +165,9 @@ TEST_F(SwitcherEngineStateTest, WithoutAnyOutputDeviceTheEngineStartsEmpty) {
 }
 
 // Where players come and go (MPRIS on Linux), the activity names the one followed.
-class ScriptedFollowedPlayer final : public FollowedPlayer {
-  public:
-    std::optional<std::string> identity() const override { return name; }
-    void follow(std::optional<std::string> next) {
-        name = std::move(next);
-        changed.emit();
-    }
-    std::optional<std::string> name;
-};
-
 TEST_F(SwitcherEngineStateTest, ActivityNamesTheFollowedPlayerAsPlayersComeAndGo) {
     mac.music->setRunning(false);
-    auto player = std::make_shared<ScriptedFollowedPlayer>();
+    auto player = std::make_shared<testing::ScriptedFollowedPlayer>();
     PlatformPorts ports = mac.ports();
     ports.player = player;
 
