@@ -9,10 +9,21 @@ bool isHourField(QChar letter) {
     return letter == u'h' || letter == u'H';
 }
 
+// Whether a format shows seconds already (outside quoted text), as the C locale's short one does.
+bool showsSeconds(const QString& format) {
+    bool quoted = false;
+    for (const QChar letter : format) {
+        if (letter == u'\'') quoted = !quoted;
+        if (!quoted && letter == u's') return true;
+    }
+    return false;
+}
+
 }  // namespace
 
 QString mediumTimeFormat(const QLocale& locale) {
     const QString format = locale.timeFormat(QLocale::ShortFormat);
+    if (showsSeconds(format)) return format;
     QString result;
     QString separator = QStringLiteral(":");
     qsizetype hourEnd = -1;  // where the text after the last hour field starts in `result`
