@@ -124,12 +124,15 @@ void SpectrumAnalyzer::startSequence() {
             attempt->error = attempt->pipeline->build();
             if (attempt->error) attempt->pipeline->teardown();
         },
-        [weak = weak_from_this(), attempt, captureWork = captureWork_,
-         generation = startGeneration_]() mutable {
+        // The queue is not captured: a job that holds its own queue would keep it, and all it
+        // holds, alive for good if it never ran.
+        [weak = weak_from_this(), attempt, generation = startGeneration_] {
             if (const auto analyzer = weak.lock()) {
                 analyzer->finishStart(*attempt, generation);
             } else {
-                release(captureWork, std::move(attempt->pipeline));
+                // The analyzer has gone, at the end of the run: what was built goes here, as the
+                // running capture does in the analyzer's destructor.
+                attempt->pipeline.reset();
             }
         });
 }

@@ -45,6 +45,12 @@ inline std::string utcTimeOfDay(WallTime time) {
 }
 
 struct SimulatedMac {
+    SimulatedMac(const SimulatedMac&) = delete;
+    SimulatedMac& operator=(const SimulatedMac&) = delete;
+    // The end of the run, as the application ends it: work still pending (a capture job holds
+    // the hardware, which holds the executor that holds the job) is dropped, not kept alive.
+    ~SimulatedMac() { executor->shutDown(); }
+
     std::shared_ptr<VirtualTimeExecutor> executor = std::make_shared<VirtualTimeExecutor>();
     std::shared_ptr<SimAudioHardware> audio = std::make_shared<SimAudioHardware>(executor);
     std::shared_ptr<SimProcessTapHost> taps = std::make_shared<SimProcessTapHost>(
