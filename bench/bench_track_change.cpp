@@ -18,6 +18,7 @@
 #include "TestAudioFiles.h"
 #include "platform/linux/pipewire/PipeWireOutput.h"
 #include "platform/qt/QtMainExecutor.h"
+#include "switching/PropertyReads.h"
 
 namespace {
 
@@ -46,19 +47,13 @@ struct Rig {
     // The default sink's rate as the graph shows it now.
     double sinkRate() const {
         using namespace corvanel;
-        AudioObjectID device = 0;
-        std::uint32_t size = sizeof device;
-        graph->getPropertyData(kAudioObjectSystemObject,
-                               {kAudioHardwarePropertyDefaultOutputDevice,
-                                kAudioObjectPropertyScopeGlobal, kAudioObjectPropertyElementMain},
-                               size, &device);
-        double rate = 0;
-        size = sizeof rate;
-        graph->getPropertyData(device,
-                               {kAudioDevicePropertyNominalSampleRate,
-                                kAudioObjectPropertyScopeGlobal, kAudioObjectPropertyElementMain},
-                               size, &rate);
-        return rate;
+        const auto device = readPropertyValue<AudioObjectID>(
+            *graph, kAudioObjectSystemObject,
+            globalAddress(kAudioHardwarePropertyDefaultOutputDevice));
+        if (!device) return 0;
+        return readPropertyValue<double>(*graph, *device,
+                                         globalAddress(kAudioDevicePropertyNominalSampleRate))
+            .value_or(0.0);
     }
 
     void open(const std::filesystem::path& track) const {

@@ -4,8 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <variant>
 
 #include "LinuxSessionRig.h"
+#include "platform/linux/pipewire/PipeWireOutput.h"
+#include "platform/qt/QtMainExecutor.h"
+#include "switching/PropertyReads.h"
 
 namespace corvanel::testing {
 namespace {
@@ -66,20 +70,28 @@ TEST_F(RateSwitchingScenarioTest, WithPausingOnThePlayerPausesBeforeTheSwitchAnd
     expectActivity("Test DAC A \u2192 44.1 kHz");
     ASSERT_TRUE(rig.session().waitForSinkRate(PipeWireTestSession::firstSink, 44100));
 
-    // Watch the graph's forced rate from outside while the next track starts: every change is
-    // stamped on the player journal's clock.
-    std::vector<std::pair<double, int>> forced;
-    rig.play(rig.hiResTrack());
+    // Watch the default sink's rate from outside, through a PipeWire connection of the test's
+    // own, while the next track starts; every reading is stamped on the player journal's clock.
+    auto executor = std::make_shared<QtMainExecutor>();
+    auto connected = connectPipeWireOutput(executor);
+    ASSERT_TRUE(std::holds_alternative<PipeWireOutput>(connected));
+    const std::shared_ptr<AudioHardware> graph = std::get<PipeWireOutput>(connected).audio;
+    const auto sinkRate = [&graph] {
+        const auto device = readPropertyValue<AudioObjectID>(
+            *graph, kAudioObjectSystemObject,
+            globalAddress(kAudioHardwarePropertyDefaultOutputDevice));
+        if (!device) return 0.0;
+        return readPropertyValue<double>(*graph, *device,
+                                         globalAddress(kAudioDevicePropertyNominalSampleRate))
+            .value_or(0.0);
+    };
+    std::vector<std::pair<double, double>> rates;
     const double opened = monotonicSeconds();
-    while (monotonicSeconds() < opened + 4.0) {
-        forced.emplace_back(monotonicSeconds(), rig.session().forcedRate().value_or(-1));
-        if (forced.back().second == 96000 && rig.activity().size() > 0) {
-            const auto journal = rig.playerJournal();
-            if (std::any_of(journal.begin(), journal.end(), [&](const std::string& line) {
-                    return line.find(" Play |") != std::string::npos && std::stod(line) > opened;
-                }))
-                break;
-        }
+    rig.play(rig.hiResTrack());
+    while (monotonicSeconds() < opened + 3.0) {
+        const double at = monotonicSeconds();
+        rates.emplace_back(at, sinkRate());
+        QTest::qWait(2);
     }
 
     // The journal's calls after the new track: Pause, (state and position reads), then Play at
@@ -100,13 +112,13 @@ TEST_F(RateSwitchingScenarioTest, WithPausingOnThePlayerPausesBeforeTheSwitchAnd
     ASSERT_GT(play, pause) << "no Play after the Pause";
     EXPECT_NE(playLine.find("position=0.0"), std::string::npos) << playLine;
 
-    // The rate changed after the Pause arrived and before Play: the old rate was still forced
+    // The rate changed after the Pause arrived and before Play: the sink still ran the old rate
     // after the Pause, and the new one before Play.
-    const auto firstNew = std::find_if(forced.begin(), forced.end(),
+    const auto firstNew = std::find_if(rates.begin(), rates.end(),
                                        [](const auto& sample) { return sample.second == 96000; });
-    ASSERT_NE(firstNew, forced.end()) << "the rate was never forced to 96 kHz";
+    ASSERT_NE(firstNew, rates.end()) << "the sink never ran at 96 kHz";
     EXPECT_LT(firstNew->first, play);
-    const bool oldAfterPause = std::any_of(forced.begin(), firstNew, [&](const auto& sample) {
+    const bool oldAfterPause = std::any_of(rates.begin(), firstNew, [&](const auto& sample) {
         return sample.first > pause && sample.second == 44100;
     });
     EXPECT_TRUE(oldAfterPause) << "the rate changed before the player was paused";
